@@ -1,0 +1,31 @@
+# SPDX-License-Identifier: AGPL-3.0-or-later
+
+# Every target links this. The sound is the same to the bit on every build of one compiler: products and
+# sums are never fused, and fast-math stays off.
+add_library(velkor_flags INTERFACE)
+target_compile_options(velkor_flags INTERFACE
+    $<$<CXX_COMPILER_ID:GNU,Clang,AppleClang>:-ffp-contract=off>
+    $<$<CXX_COMPILER_ID:MSVC>:/fp:precise>)
+
+# What is not reached is not shipped: the static library holds hosting code that only tests call.
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    target_compile_options(velkor_flags INTERFACE -ffunction-sections -fdata-sections)
+    target_link_options(velkor_flags INTERFACE -Wl,--gc-sections)
+endif()
+
+if(VELKOR_SANITIZE)
+    add_compile_options(-fsanitize=${VELKOR_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${VELKOR_SANITIZE})
+endif()
+
+# For our own files only; the framework's modules are compiled as they come.
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+    set(VELKOR_WARNINGS -Wall -Wextra -Wshadow -Wconversion -Werror)
+else()
+    set(VELKOR_WARNINGS /W4)
+endif()
+
+# Compiles the given sources of the current directory with our warnings as errors.
+function(velkor_own_sources)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS "${VELKOR_WARNINGS}")
+endfunction()

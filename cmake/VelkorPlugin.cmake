@@ -1,0 +1,97 @@
+# SPDX-License-Identifier: AGPL-3.0-or-later
+
+if(APPLE)
+    set(VELKOR_FORMATS VST3 AU Standalone)
+
+    if(EXISTS "${VELKOR_JUCE_DIR}/modules/juce_audio_plugin_client/AAX/SDK")
+        list(APPEND VELKOR_FORMATS AAX)
+    endif()
+elseif(WIN32)
+    set(VELKOR_FORMATS VST3 Standalone)
+else()
+    set(VELKOR_FORMATS VST3 LV2 Standalone)
+endif()
+
+set(VELKOR_LV2_URI "urn:com.zubrow.Velkor")
+
+juce_add_plugin(Velkor
+    VERSION "${PROJECT_VERSION}"
+    FORMATS ${VELKOR_FORMATS}
+    PRODUCT_NAME "Velkor"
+    DESCRIPTION "Patchable dual delay"
+    COMPANY_NAME "Zubrow Labs"
+    BUNDLE_ID com.zubrow.Velkor
+    PLUGIN_MANUFACTURER_CODE Zbrw
+    PLUGIN_CODE Vlkr
+    IS_SYNTH FALSE
+    IS_MIDI_EFFECT FALSE
+    NEEDS_MIDI_INPUT TRUE
+    NEEDS_MIDI_OUTPUT FALSE
+    MICROPHONE_PERMISSION_ENABLED TRUE
+    MICROPHONE_PERMISSION_TEXT "Velkor processes the sound of the audio input."
+    VST3_CATEGORIES Fx Delay
+    AU_MAIN_TYPE kAudioUnitType_MusicEffect
+    AAX_CATEGORY Delay
+    LV2URI "${VELKOR_LV2_URI}"
+    COPY_PLUGIN_AFTER_BUILD FALSE)
+
+set(PLUGIN_SOURCES
+    source/parameters/build_parameters.cpp
+    source/parameters/gain_parameter.cpp
+    source/parameters/parameter_binding.cpp
+    source/parameters/parameter_ranges.cpp
+    source/parameters/parameter_table.cpp
+    source/parameters/parameter_text.cpp
+    source/parameters/sync_display_parameter.cpp
+    source/processor/VelkorAudioProcessor.cpp
+    source/processor/plugin_entry.cpp
+    source/processor/process_block.cpp
+    source/processor/zb_AudioProcessor.cpp)
+
+target_sources(Velkor PRIVATE ${PLUGIN_SOURCES})
+velkor_own_sources(${PLUGIN_SOURCES})
+
+target_compile_definitions(Velkor PUBLIC
+    JUCE_WEB_BROWSER=0
+    JUCE_USE_CURL=1
+    JUCE_LOAD_CURL_SYMBOLS_LAZILY=1     # https without a hard dependency of the bundle
+    JUCE_MODAL_LOOPS_PERMITTED=1
+    JUCE_VST3_CAN_REPLACE_VST2=0
+    JUCE_DISPLAY_SPLASH_SCREEN=0
+    JUCE_REPORT_APP_USAGE=0
+    JUCE_PLUGINHOST_VST3=1)             # for the host tests; the linker drops it from the plug-in
+
+target_link_libraries(Velkor
+    PRIVATE velkor_engine velkor_flags juce::juce_audio_utils
+    PUBLIC velkor_codecs juce::juce_recommended_config_flags)
+
+if(TARGET Velkor_LV2)
+    # Debian's patched settings header sets this to the plug-in's name before the generated one is read.
+    target_compile_definitions(Velkor_LV2 PRIVATE "JucePlugin_LV2URI=\"${VELKOR_LV2_URI}\"")
+endif()
+
+# Two steps after linking load the plug-in and make an instance of it, which works on the user's folders
+# like any other. They get a home of their own.
+set(VELKOR_SCRATCH_HOME "${CMAKE_BINARY_DIR}/scratch-home")
+file(MAKE_DIRECTORY "${VELKOR_SCRATCH_HOME}")
+
+foreach(target Velkor_VST3 Velkor_LV2)
+    if(TARGET ${target})
+        set_property(TARGET ${target} PROPERTY
+            RULE_LAUNCH_CUSTOM "\"${CMAKE_COMMAND}\" -E env \"HOME=${VELKOR_SCRATCH_HOME}\"")
+    endif()
+endforeach()
+
+foreach(target Velkor_VST3 Velkor_LV2 Velkor_Standalone)
+    if(TARGET ${target})
+        target_link_libraries(${target} PRIVATE velkor_flags)
+    endif()
+endforeach()
+
+# Links a test, a tool or a benchmark to the very objects that the plug-in ships.
+function(velkor_link_plugin target)
+    target_link_libraries(${target} PRIVATE Velkor velkor_engine velkor_flags)
+    target_include_directories(${target} PRIVATE
+        ${CMAKE_SOURCE_DIR}/source $<TARGET_PROPERTY:Velkor,INCLUDE_DIRECTORIES>)
+    target_compile_definitions(${target} PRIVATE $<TARGET_PROPERTY:Velkor,COMPILE_DEFINITIONS>)
+endfunction()

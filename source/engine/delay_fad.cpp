@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "engine/delay_fad.h"
+
+#include "engine/engine_globals.h"
+#include "engine/sync_beats.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+static constexpr std::uint64_t kSlotsAtConstruction = 576000;  // 12 s at 48 kHz
+
+static void placeHeads (DelayFad& line) noexcept
+{
+    line.readPos = 0.0f;
+    line.writePos = static_cast<float> (line.delaySamples) - 1.0f;
+}
+
+void delay_fad_init (DelayFad& line) noexcept
+{
+    line = {};
+    line.buffer = static_cast<float*> (std::calloc (kSlotsAtConstruction, sizeof (float)));
+    line.bufferSize = line.buffer != nullptr ? kSlotsAtConstruction : 0;
+
+    const float rate = load (gAudioSamplingRate);
+    line.maxTimeMs =
+        static_cast<std::uint64_t> (static_cast<float> (kSlotsAtConstruction) / (rate * 0.001f));
+    const std::uint64_t half = line.maxTimeMs >> 1;
+    line.timeMs = static_cast<float> (half);
+    line.delaySamples = static_cast<std::uint64_t> (rate * line.timeMs * 0.001f);
+    placeHeads (line);
+}
+
+void delay_fad_free (DelayFad& line) noexcept
+{
+    std::free (line.buffer);
+    line.buffer = nullptr;
+    line.bufferSize = 0;
+}
+
+void delay_fad_prepare (DelayFad& line) noexcept
+{
+    const float perMs = load (gSamplesPerMillisecond);
+    const auto slots =
+        static_cast<std::uint64_t> (static_cast<float> (line.maxTimeMs) * perMs + 1.0f);
+
+    if (slots == line.bufferSize)
+        return;
+
+    // Not realloc: nothing of the old content is wanted, and calloc's pages cost nothing until touched.
+    auto* const buffer = static_cast<float*> (std::calloc (slots, sizeof (float)));
+
+    if (buffer == nullptr)
+        return;
+
+    std::free (line.buffer);
+    line.buffer = buffer;
+    line.bufferSize = slots;
+    line.delaySamples = static_cast<std::uint64_t> (line.timeMs * perMs);
+    placeHeads (line);
+    line.lastIn = 0.0f;
+    line.readRate = 1.0f;
+    line.writeRate = 1.0f;
+}
+
+void delay_fad_clear (DelayFad& line) noexcept
+{
+    if (line.buffer != nullptr)
+        std::memset (line.buffer, 0, line.bufferSize * sizeof (float));
+
+    placeHeads (line);
+}
+
+void delay_fad_set_time (DelayFad& line, bool synced, std::int32_t mult, float timeNorm,
+                         float timeMs, double tempo) noexcept
+{
+    float t = 0.0f;
+
+    if (synced)
+    {
+        const auto msPerBeat = static_cast<float> (60000.0 / tempo);
+        const auto index = static_cast<std::size_t> (syncBeatIndex (timeNorm));
+        t = static_cast<float> (mult) * gBeatMults[index] * msPerBeat;
+    }
+    else
+    {
+        t = static_cast<float> (mult) * timeMs;
+    }
+
+    t = t < 12000.0f ? t : 12000.0f;
+    line.timeMs = t < 2.0f ? 2.0f : t;
+
+    const auto samples = static_cast<std::uint64_t> (line.timeMs * load (gSamplesPerMillisecond));
+
+    if (samples != line.delaySamples)
+    {
+        line.delaySamples = samples;
+
+        if (synced)
+            line.resetPending = true;
+    }
+}
+
+// --- the heads ---------------------------------------------------------------------------------------
+
+/** Where a read head at r reads: the slot and the fraction beyond it. */
+struct ReadPoint
+{
+    std::int64_t slot;
+    float fraction;
+};
+
+/** A head that stands outside takes slot 0: rounding puts a reversed one exactly at the buffer's end now and
+    then, and a delay longer than the buffer (another instance raised the global rate) can put it anywhere. A
+    position that is no number, or too large to count in, as a rate of a few hertz gives, is put back to 0 as well. */
+static ReadPoint readPointOf (DelayFad& line, float r, float size) noexcept
+{
+    if (r >= 0.0f && r < size)
+    {
+        const auto slot = static_cast<std::int64_t> (r);
+        return { slot, r - static_cast<float> (slot) };
+    }
+
+    constexpr float kFarOut = 1.0e9f;
+
+    if (! (r > -kFarOut && r < kFarOut))
+        line.readPos = 0.0f;
+
+    return { 0, 0.0f };
+}
+
+/** What goes into one of the slots that the write head crosses: between the previous input and this one at
+    share a, and in loop mode the slot under the read head on top. */
+static float writtenValue (const DelayFad& line, float in, float a, std::int64_t readSlot) noexcept
+{
+    float v = ((1.0f - line.thru) * in - line.lastIn) * a + line.lastIn;
+
+    if (line.loop)
+    {
+        v = v + line.buffer[readSlot];
+        v = v > 1.0f ? 1.0f : (v < -1.0f ? -1.0f : v);
+    }
+
+    return v;
+}
+
+static float shareOf (float crossed) noexcept
+{
+    const float share = 1.0f / (crossed + 1.0f);
+    return share < 1.0f ? share : 1.0f;
+}
+
+static float runForward (DelayFad& line, float in, float r, float w, float readStep) noexcept
+{
+    const auto slots = static_cast<std::int64_t> (line.bufferSize);
+    const auto size = static_cast<float> (line.bufferSize);
+
+    r = r + readStep;
+
+    if (r >= size)
+        r = r - size;
+
+    line.readPos = r;
+    const auto [i, f] = readPointOf (line, r, size);
+    const std::int64_t j = (i + 1) % slots;
+    line.out = (1.0f - f) * line.buffer[i] + f * line.buffer[j];
+
+    const float floorOfStart = std::floor (w);
+    w = w + line.writeRate;
+    const float share = shareOf (std::floor (w) - floorOfStart);
+    float a = 0.0f;
+
+    for (auto c = static_cast<std::int64_t> (floorOfStart); w > static_cast<float> (c); ++c)
+    {
+        a = a + share;
+        const std::int64_t slot = c % slots;
+        line.buffer[slot < 0 ? slot + slots : slot] = writtenValue (line, in, a, i);
+    }
+
+    return w >= size ? w - size : w;
+}
+
+static float runBackward (DelayFad& line, float in, float r, float w, float readStep) noexcept
+{
+    const auto slots = static_cast<std::int64_t> (line.bufferSize);
+    const auto size = static_cast<float> (line.bufferSize);
+
+    r = r - readStep;
+
+    if (r < 0.0f)
+        r = r + size;
+
+    line.readPos = r;
+    const auto [i, f] = readPointOf (line, r, size);
+    const std::int64_t j = i == 0 ? slots - 1 : i - 1;
+    line.out = (1.0f - f) * line.buffer[i] + f * line.buffer[j] + line.thru * in;
+
+    const float start = std::ceil (w);
+    w = w - line.writeRate;
+    const float share = shareOf (start - std::ceil (w));
+    auto c = static_cast<std::int64_t> (w);
+    float a = 0.0f;
+
+    for (auto count = static_cast<std::int64_t> (start) - c; count > 0; --count)
+    {
+        if (c < 1)
+            c = slots;
+
+        a = a + share;
+        line.buffer[c > slots ? (c - 1) % slots : c - 1] = writtenValue (line, in, a, i);
+        c = c - 1;
+    }
+
+    return w < 0.0f ? w + size : w;
+}
+
+void delay_fad_dsp (DelayFad& line, float in) noexcept
+{
+    if (line.bufferSize == 0)
+        return;
+
+    const auto size = static_cast<float> (line.bufferSize);
+    const auto target = static_cast<float> (line.delaySamples);
+    float w = line.writePos;
+    float r = line.readPos;
+    float ratio = 1.0f;
+
+    if (line.resetPending)
+    {
+        if (line.reverse)
+        {
+            r = target + w - 1.0f;
+
+            if (r >= size)
+                r = r - size;
+        }
+        else
+        {
+            r = w - target + 1.0f;
+
+            if (r < 0.0f)
+                r = r + size;
+        }
+
+        line.resetPending = false;
+    }
+    else
+    {
+        auto gap = static_cast<std::int64_t> ((line.reverse ? r - w : w - r) + 1.0f);
+
+        if (gap < 0)
+            gap = gap + static_cast<std::int64_t> (line.bufferSize);
+
+        // The heads may be 0 slots apart: then the ratio is infinite, the step 0, and the read head waits.
+        ratio = target / static_cast<float> (gap);
+    }
+
+    // A reset that came with a change of direction is in the old direction, hence this order.
+    if (line.reverse != line.reverseRequest)
+    {
+        line.reverse = line.reverseRequest;
+        const float oldRead = r;
+        r = w;
+        w = oldRead;
+    }
+
+    const float readStep = line.readRate / ratio;
+    line.writePos = line.reverse ? runBackward (line, in, r, w, readStep)
+                                 : runForward (line, in, r, w, readStep);
+    line.lastIn = in;
+}

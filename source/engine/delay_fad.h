@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+
+/** The multipliers of Delay N Multiplier, by its choice index. */
+inline constexpr std::int32_t multTable[4] = { 1, 2, 4, 8 };
+
+/** A tape-like delay line: one circular buffer under a read and a write head that both move at a variable,
+    fractional rate. There is no crossfade: a new time makes the read head run faster or slower until the
+    heads are the right distance apart, and the pitch bends meanwhile. Reverse swaps the heads and runs all
+    of it backwards.
+
+    The positions are single precision: at 576000 slots that leaves a fraction of about 1/32 of a slot, and
+    that is accepted. Set up with delay_fad_init; from then on the audio thread's alone, but for
+    delay_fad_prepare and delay_fad_clear between blocks. */
+struct DelayFad
+{
+    float timeMs = 0.0f;  ///< effective delay time, 2 to 12000 ms
+    std::uint64_t maxTimeMs =
+        0;  ///< the longest time the buffer is sized for; set by delay_fad_init only
+    std::uint64_t delaySamples = 0;  ///< target distance of the heads, in slots
+    std::uint64_t bufferSize = 0;  ///< slots; 0 only if memory ran out, and then the line is silent
+    float* buffer = nullptr;       ///< owned, malloc family; freed by delay_fad_free
+    float readPos = 0.0f;          ///< slots, 0 up to bufferSize
+    float writePos = 0.0f;         ///< slots, 0 up to bufferSize
+    float readRate = 1.0f;         ///< slots per sample, 0.5 to 1.5
+    float writeRate = 1.0f;        ///< slots per sample, always what readRate is
+    float lastIn = 0.0f;           ///< the previous call's input, raw
+    bool resetPending = true;      ///< the next call puts the read head in its exact place
+    bool reverse = false;          ///< direction in force
+    bool reverseRequest = false;   ///< direction asked for
+    bool loop = false;             ///< recirculate the buffer at unity
+    float thru = 0.0f;             ///< 1 while the line is bypassed, else 0
+    float out = 0.0f;  ///< result of the last delay_fad_dsp; the next sample takes it up
+};
+
+/** Allocates the buffer for the global sample rate and sets the heads. Any thread. */
+void delay_fad_init (DelayFad& line) noexcept;
+
+/** Frees the buffer. */
+void delay_fad_free (DelayFad& line) noexcept;
+
+/** Sizes the buffer for the global sample rate, and if that changes its length sets heads, rates and last
+    input anew. The longest time in milliseconds stays what delay_fad_init found. If memory runs out, buffer
+    and length stay as they are. Not beside a block. */
+void delay_fad_prepare (DelayFad& line) noexcept;
+
+/** Silences the buffer and puts both heads back. Leaves out, lastIn and a pending reset alone. */
+void delay_fad_clear (DelayFad& line) noexcept;
+
+/** Sets the time of the coming block: mult times either the beat length at position timeNorm (synced, at
+    tempo beats per minute) or timeMs, within 2 to 12000 ms. A new synced time jumps at once, a new free one
+    glides. Audio thread, once per block. */
+void delay_fad_set_time (DelayFad& line, bool synced, std::int32_t mult, float timeNorm,
+                         float timeMs, double tempo) noexcept;
+
+/** One sample through the line: in is written, the read head's value is left in line.out. Reads and writes
+    stay inside the buffer whatever the heads' positions are. Audio thread, lock-free. */
+void delay_fad_dsp (DelayFad& line, float in) noexcept;
+
+/** The soft limit on what a feedback destination x brings back into its line, times amount (0 to 1): a
+    cubic that meets 0.76 at x = 1 with no slope, so that feedback near 1 builds up but can't run away. */
+inline float feedbackShape (float amount, float x) noexcept
+{
+    if (x > 1.0f)
+        return amount * 0.76f;
+
+    if (x < -1.0f)
+        return amount * -0.76f;
+
+    return amount * 0.38f * (3.0f * x - x * x * x);
+}

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "engine/engine.h"
+
+#include "engine/engine_globals.h"
+
+#include <cmath>
+#include <cstdlib>
+
+static FilterMultimode* filterBehind (VelkorEngine& engine, int destination) noexcept
+{
+    switch (destination)
+    {
+    case destFilter1:
+        return &engine.filter1;
+    case destFilter2:
+        return &engine.filter2;
+    default:
+        return nullptr;
+    }
+}
+
+VelkorEngine::VelkorEngine()
+{
+    delay_fad_init (delay1);
+    delay_fad_init (delay2);
+    filter_multimode_init (filter1);
+    filter_multimode_init (filter2);
+    router_panner_1to2_init (panner1);
+    router_panner_1to2_init (panner2);
+    gen_LFO_init (lfo1);
+    gen_LFO_init (lfo2);
+    ramp_init (killRamp);
+    ramp_init (gateRamp);
+    freq_lookup_init (freqLookup);
+
+    constexpr std::array<std::array<int, 2>, 6> kDefaultConnections { {
+        { sourceInputL, destDelay1 },
+        { sourceInputR, destDelay2 },
+        { sourceDelay1, destFeedback1 },
+        { sourceDelay2, destFeedback2 },
+        { sourceDelay1, destOutput1 },
+        { sourceDelay2, destOutput2 },
+    } };
+
+    for (const auto& [source, destination] : kDefaultConnections)
+        engine_set_connection (*this, source, destination, true);
+}
+
+VelkorEngine::~VelkorEngine()
+{
+    delay_fad_free (delay1);
+    delay_fad_free (delay2);
+    router_panner_1to2_free (panner1);
+    router_panner_1to2_free (panner2);
+    std::free (freqLookup.table);
+}
+
+void engine_prepare (VelkorEngine& engine, double sampleRate) noexcept
+{
+    if (! (sampleRate > 0.0) || ! std::isfinite (sampleRate))
+        return;
+
+    engine.sampleRate = sampleRate;
+    setAudioSamplingRate (sampleRate);
+
+    for (auto* filter : { &engine.filter1, &engine.filter2 })
+    {
+        setCoef (*filter, filter->freq);
+        setDamp (*filter);
+    }
+
+    delay_fad_prepare (engine.delay1);
+    delay_fad_prepare (engine.delay2);
+    rampSetRate (engine.killRamp);
+    rampSetRate (engine.gateRamp);
+    envelope_follower_set_rate (engine.envelope);
+    engine_clear (engine);
+}
+
+void engine_clear (VelkorEngine& engine) noexcept
+{
+    delay_fad_clear (engine.delay1);
+    delay_fad_clear (engine.delay2);
+    filter_multimode_clear (engine.filter1);
+    filter_multimode_clear (engine.filter2);
+    engine.envelope.envState = 0.0f;
+    midi_sources_clear (engine.midi);
+    engine.signal.signalSources.fill (0.0f);
+    engine.signal.signalDests.fill (0.0f);
+    engine.block.lfoPhase1 = 0.0;
+    engine.block.lfoPhase2 = 0.0;
+}
+
+void engine_set_connection (VelkorEngine& engine, int source, int destination, bool on) noexcept
+{
+    const juce::SpinLock::ScopedLockType lock (engine.signal.connectionLock);
+    const MatrixEdit edit = signal_matrix_edit (engine.signal, source, destination, on);
+
+    if (edit == MatrixEdit::unchanged)
+        return;
+
+    if (auto* filter = filterBehind (engine, destination))
+        filter_multimode_connect (*filter, edit == MatrixEdit::firstOrFurtherConnection);
+}

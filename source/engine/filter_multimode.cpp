@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "engine/filter_multimode.h"
+
+#include "engine/engine_globals.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+std::atomic<float> gFilterRenormal { 1.0e-15f };
+
+void filter_multimode_init (FilterMultimode& filter) noexcept
+{
+    filter = {};
+    setCoef (filter, filter.freq);
+    setDamp (filter);
+}
+
+void setCoef (FilterMultimode& filter, float freq) noexcept
+{
+    const float rate = load (gAudioSamplingRate);
+    const auto twiceTheRate = static_cast<double> (rate + rate);
+
+    filter.freq = freq;
+    filter.coef = std::min (
+        0.25, 2.0 * std::sin (std::numbers::pi * static_cast<double> (freq) / twiceTheRate));
+}
+
+void setDamp (FilterMultimode& filter) noexcept
+{
+    const double stable = std::min (2.0, -0.5 * filter.coef + 2.0 / filter.coef);
+    filter.damp = std::min (stable, 2.0 * (1.0 - std::pow (filter.q, 0.25)));
+}
+
+void filter_multimode_set_response (FilterMultimode& filter, float reso, float mode) noexcept
+{
+    filter.reso = reso;
+    filter.q = static_cast<double> (reso) * 0.1;
+    setDamp (filter);
+
+    const float m = mode;
+    filter.mode = m;
+
+    if (m < 0.33333334f)
+    {
+        filter.notchMix = 1.0f - 3.0f * m;
+        filter.lowMix = 3.0f * m;
+        filter.bandMix = 0.0f;
+        filter.highMix = 0.0f;
+    }
+    else if (m < 0.6666667f)
+    {
+        filter.notchMix = 0.0f;
+        filter.lowMix = 2.0f - 3.0f * m;
+        filter.bandMix = 3.0f * m - 1.0f;
+        filter.highMix = 0.0f;
+    }
+    else
+    {
+        filter.notchMix = 0.0f;
+        filter.lowMix = 0.0f;
+        filter.bandMix = 3.0f - 3.0f * m;
+        filter.highMix = 3.0f * m - 2.0f;
+    }
+}
+
+void filter_multimode_connect (FilterMultimode& filter, bool isConnected) noexcept
+{
+    filter.active = isConnected ? 1 : 0;
+    setDamp (filter);
+}
+
+void filter_multimode_clear (FilterMultimode& filter) noexcept
+{
+    filter.out = 0.0f;
+    filter.low = 0.0;
+    filter.high = 0.0;
+    filter.band = 0.0;
+    filter.notch = 0.0;
+    filter.damp = 0.0;
+}
+
+void filter_multimode_dsp_morph (FilterMultimode& filter, float in) noexcept
+{
+    const float renormal = gFilterRenormal.load (std::memory_order_relaxed);
+    gFilterRenormal.store (-renormal, std::memory_order_relaxed);
+    filter_multimode_dsp_morph (filter, in, renormal);
+}

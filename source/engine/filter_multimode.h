@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+/** A state-variable filter, run twice per sample in double precision. Its output morphs from notch over
+    lowpass and bandpass to highpass and goes through a soft limiter. Zero-initialise, call
+    filter_multimode_init once; the audio thread's, but for damp and active (see filter_multimode_connect). */
+struct FilterMultimode
+{
+    float freq = 1000.0f;  ///< cut-off in hertz, modulation included
+    float reso = 0.0f;     ///< 0 to 10; at 10 the filter rings on its own
+    double coef = 0.0;     ///< frequency coefficient, 0 to 0.25
+    double q = 0.0;        ///< reso * 0.1
+    double damp = 0.0;     ///< damping, 0 to 2
+    double low = 0.0;      ///< state
+    double high = 0.0;     ///< last value, not read back
+    double band = 0.0;     ///< state
+    double notch = 0.0;    ///< last value, not read back
+    float mode = 0.0f;     ///< position of the morph, 0 to 1
+    float lowMix = 0.0f;   ///< the four weights add up to 1
+    float highMix = 0.0f;
+    float bandMix = 0.0f;
+    float notchMix = 1.0f;
+    float out = 0.0f;  ///< result of the last call; the next sample takes it up
+    std::int32_t active =
+        0;  ///< 1 while a signal connection leads here; the sample loop runs regardless
+};
+
+/** Works out coefficient and damping of a new record for the global sample rate. */
+void filter_multimode_init (FilterMultimode& filter) noexcept;
+
+/** Sets the cut-off in hertz and the coefficient for the global sample rate. The coefficient stops rising at
+    0.25, a cut-off of about 0.08 of the sample rate: that is the filter's range. */
+void setCoef (FilterMultimode& filter, float freq) noexcept;
+
+/** Recomputes the damping from coef and q. Audio thread, or with connectionLock held. */
+void setDamp (FilterMultimode& filter) noexcept;
+
+/** Resonance 0 to 10 and morph position 0 to 1 of the coming block: notch at 0, lowpass at 1/3, bandpass at
+    2/3, highpass at 1, straight lines between. Audio thread, once per block. */
+void filter_multimode_set_response (FilterMultimode& filter, float reso, float mode) noexcept;
+
+/** Records whether a connection leads here, and recomputes the damping. Caller holds connectionLock. */
+void filter_multimode_connect (FilterMultimode& filter, bool isConnected) noexcept;
+
+/** Zeroes state, outputs and damping; the next block's set-up brings the damping back. */
+void filter_multimode_clear (FilterMultimode& filter) noexcept;
+
+/** One sample; the result is in filter.out. renormal is a tiny offset against denormal numbers: its value
+    before this call, which uses both signs of it. Audio thread, lock-free.
+
+    The second pass gets no input, and both passes count at full weight. The limiter y / (1 + 0.28 y²) peaks
+    near 0.945 and falls beyond; it bounds the output, not the state. */
+inline void filter_multimode_dsp_morph (FilterMultimode& filter, float in, float renormal) noexcept
+{
+    const double coef = filter.coef;
+    const double damp = filter.damp;
+    const double band = filter.band;
+    const auto x = static_cast<double> ((in + renormal) * 0.5f);
+    const auto flipped = static_cast<double> (-renormal);
+
+    const double low1 = (coef * band + flipped) + filter.low;
+    const double notch1 = x - damp * band;
+    const double high1 = notch1 - low1;
+    const double band1 = coef * high1 + band;
+
+    const double notch2 = 0.0 - damp * band1;
+    const double low2 = coef * band1 + low1;
+    const double high2 = notch2 - low2;
+    const double band2 = coef * high2 + band1;
+
+    filter.low = low2;
+    filter.high = high2;
+    filter.band = band2;
+    filter.notch = notch2;
+
+    const auto lowMix = static_cast<double> (filter.lowMix);
+    const auto bandMix = static_cast<double> (filter.bandMix);
+    const auto highMix = static_cast<double> (filter.highMix);
+    const auto notchMix = static_cast<double> (filter.notchMix);
+    const double first = lowMix * low1 + bandMix * band1 + highMix * high1 + notchMix * notch1;
+    const double second = lowMix * low2 + bandMix * band2 + highMix * high2 + notchMix * notch2;
+    const double y = first + second;
+    filter.out = static_cast<float> (y / (1.0 + 0.28 * y * y));
+}
+
+/** The offset that the next call on any filter of the process starts from; its sign flips at every call.
+
+    The sample loop calls an even number of filters, so that a tick leaves it as it found it: it reads this
+    once and hands the sign on by itself, and nothing shared is written while audio runs. */
+extern std::atomic<float> gFilterRenormal;
+
+/** One sample of a filter by itself: takes gFilterRenormal and leaves it flipped. */
+void filter_multimode_dsp_morph (FilterMultimode& filter, float in) noexcept;

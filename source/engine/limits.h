@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+/** x limited to low..high. A NaN, which only a patch that has run away can bring here, counts as low, so
+    that no index or rate made from the result can leave its range. */
+template <typename Number>
+constexpr Number limitTo (Number low, Number high, Number x) noexcept
+{
+    return x > low ? (x < high ? x : high) : low;
+}
+
+/** The larger of low and x; low for a NaN. */
+template <typename Number>
+constexpr Number atLeast (Number low, Number x) noexcept
+{
+    return x > low ? x : low;
+}
+
+/** The final clip to -1..1. Unlike limitTo it lets a NaN through: the end of the block looks for it. */
+constexpr float hardClip (float x) noexcept
+{
+    return x > 1.0f ? 1.0f : (x < -1.0f ? -1.0f : x);
+}

@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "engine/mod_router.h"
+
+#include <memory>
+
+namespace zb
+{
+
+static int indexOf (const juce::Array<ModRoute*>& routes, int source, int dest) noexcept
+{
+    for (int i = 0; i < routes.size(); ++i)
+        if (routes.getUnchecked (i)->source == source && routes.getUnchecked (i)->dest == dest)
+            return i;
+
+    return -1;
+}
+
+ModRouterCore::~ModRouterCore()
+{
+    clear();
+}
+
+void ModRouterCore::setGain (int source, int dest, float gain)
+{
+    if (const int i = indexOf (routes, source, dest); i >= 0)
+    {
+        routes.getUnchecked (i)->gain = gain;
+        return;
+    }
+
+    const juce::ScopedLock lock (growthLock);
+    auto route = std::make_unique<ModRoute> (ModRoute { source, dest, gain });
+    routes.add (route.get());
+    route.release();
+}
+
+void ModRouterCore::remove (int source, int dest)
+{
+    const juce::ScopedLock lock (growthLock);
+
+    if (const int i = indexOf (routes, source, dest); i >= 0)
+    {
+        const std::unique_ptr<ModRoute> route (routes.removeAndReturn (i));
+    }
+}
+
+void ModRouterCore::clear()
+{
+    const juce::ScopedLock lock (growthLock);
+
+    for (auto* route : routes)
+        delete route;
+
+    routes.clear();
+}
+
+}  // namespace zb
+
+ModMatrix::ModMatrix()
+{
+    modSources.insertMultiple (0, 0.0f, kNumModSources);
+    modDests.insertMultiple (0, 0.0f, kNumModDests);
+}
+
+static bool isInRange (int source, int dest) noexcept
+{
+    return static_cast<unsigned> (source) < kNumModSources &&
+           static_cast<unsigned> (dest) < kNumModDests;
+}
+
+static std::size_t gridIndex (int source, int dest) noexcept
+{
+    return static_cast<std::size_t> (kNumModDests * source + dest);
+}
+
+void mod_router_set (ModMatrix& matrix, int source, int dest, bool on)
+{
+    const juce::SpinLock::ScopedLockType lock (matrix.modLock);
+
+    if (! isInRange (source, dest))
+        return;
+
+    matrix.modGrid[gridIndex (source, dest)] = on;
+
+    if (on)
+        matrix.router.setGain (source, dest, 1.0f);
+    else
+        matrix.router.remove (source, dest);
+}
+
+bool mod_router_get (const ModMatrix& matrix, int source, int dest) noexcept
+{
+    return isInRange (source, dest) && matrix.modGrid[gridIndex (source, dest)];
+}
+
+void mod_router_dsp (ModMatrix& matrix) noexcept
+{
+    const juce::SpinLock::ScopedLockType lock (matrix.modLock);
+    float* const dests = matrix.modDests.getRawDataPointer();
+    const float* const sources = matrix.modSources.getRawDataPointer();
+
+    for (int d = 0; d < kNumModDests; ++d)
+        dests[d] = 0.0f;
+
+    for (const auto* route : matrix.router.routes)
+        dests[route->dest] +=
+            sources[route->source] * route->gain;  // both in range: mod_router_set sees to it
+}

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include <juce_core/juce_core.h>
+
+#include <array>
+#include <cstdint>
+
+inline constexpr int kNumModSources = 6;
+inline constexpr int kNumModDests = 10;
+
+/** Indices into modSources; stored in presets as source: never edit. */
+enum ModSource
+{
+    modSourceEnvelope,
+    modSourceLfo1,
+    modSourceLfo2,
+    modSourceNote,
+    modSourceGate,
+    modSourceWheel
+};
+
+/** Indices into modDests; stored in presets as dest: never edit. */
+enum ModDest
+{
+    modDestDelay1,
+    modDestDelay2,
+    modDestLfo1,  ///< reaches nothing that sounds, see gen_LFO_set_rate
+    modDestLfo2,
+    modDestFilter1,
+    modDestFilter2,
+    modDestPan1,
+    modDestPan2,
+    modDestLevel1,
+    modDestLevel2
+};
+
+/** One connection of the modulation matrix. */
+struct ModRoute
+{
+    std::int32_t source = 0;
+    std::int32_t dest = 0;
+    float gain = 1.0f;  ///< 1 in every route that the product makes
+};
+
+namespace zb
+{
+
+/** The list of modulation routes, in the order in which they were made. Owns them. */
+struct ModRouterCore
+{
+    juce::Array<ModRoute*> routes;
+    juce::CriticalSection
+        growthLock;  ///< taken below modLock, by every thread but the audio thread
+
+    ModRouterCore() = default;
+    ~ModRouterCore();
+    ModRouterCore (const ModRouterCore&) = delete;
+    ModRouterCore& operator= (const ModRouterCore&) = delete;
+
+    /** Sets the gain of the route from source to dest, and makes it if there is none. Caller holds modLock;
+        allocates, so never on the audio thread. */
+    void setGain (int source, int dest, float gain);
+
+    /** Removes and deletes the route from source to dest, if there is one. Caller holds modLock. */
+    void remove (int source, int dest);
+
+    /** Removes and deletes all routes and gives the list's storage back. Caller holds modLock. */
+    void clear();
+};
+
+}  // namespace zb
+
+/** Modulation sources, routes and sums of an instance. */
+struct ModMatrix
+{
+    juce::Array<float> modSources;  ///< 6, by ModSource; the audio thread's
+    juce::Array<float> modDests;    ///< 10, by ModDest; this tick's sums, without limit
+    zb::ModRouterCore router;
+    juce::SpinLock modLock;  ///< guards the routes and modGrid against the audio thread
+    std::array<bool, kNumModSources * kNumModDests> modGrid {};  ///< flag of (s, d) at 10 s + d
+
+    ModMatrix();
+};
+
+/** Makes or breaks the route from source to dest; out of range does nothing. Takes modLock. Not on the
+    audio thread. */
+void mod_router_set (ModMatrix& matrix, int source, int dest, bool on);
+
+/** Whether source is routed to dest; false out of range. Any thread, lock-free. */
+bool mod_router_get (const ModMatrix& matrix, int source, int dest) noexcept;
+
+/** Sums the sources into the destinations, in the order of the list. Audio thread, once per tick; takes
+    modLock. */
+void mod_router_dsp (ModMatrix& matrix) noexcept;

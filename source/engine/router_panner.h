@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+
+/** The pan stage behind one of the two outputs of the signal matrix: sine-squared on the right, the rest on
+    the left, so that the gains add up to 1 and the centre is 6 dB down on each side. */
+struct RouterPanner1to2
+{
+    float pan = 0.5f;  ///< 0 left to 1 right
+    float mode =
+        0.0f;  ///< 0 the table's law, 1 a straight line, else the gains stay; nothing sets it
+    std::int32_t size = 1024;
+    float* table = nullptr;  ///< size + 1 gains, owned, malloc family
+    float lookup = 0.0f;     ///< the last value from the table
+    float gainL = 0.0f;      ///< in force
+    float gainR = 0.0f;      ///< in force
+    float outL = 0.0f;       ///< the last output pair
+    float outR = 0.0f;
+};
+
+/** Allocates and fills the table and puts the pan in the middle. */
+void router_panner_1to2_init (RouterPanner1to2& panner) noexcept;
+
+/** Frees the table. */
+void router_panner_1to2_free (RouterPanner1to2& panner) noexcept;
+
+/** Sets the gains for a position, 0 to 1. Audio thread, once per tick. */
+void router_panner_1to2_set (RouterPanner1to2& panner, float pan) noexcept;
+
+/** One sample: in at the gains in force, into outL and outR. */
+inline void router_panner_1to2_dsp (RouterPanner1to2& panner, float in) noexcept
+{
+    panner.outL = in * panner.gainL;
+    panner.outR = in * panner.gainR;
+}

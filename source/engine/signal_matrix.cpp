@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "engine/signal_matrix.h"
+
+static bool isInRange (int source, int destination) noexcept
+{
+    return static_cast<unsigned> (source) < kNumSignalSources &&
+           static_cast<unsigned> (destination) < kNumSignalDests;
+}
+
+static std::size_t flagIndex (int source, int destination) noexcept
+{
+    return static_cast<std::size_t> (source + kNumSignalSources * destination);
+}
+
+static std::int32_t findPair (const SignalMatrix& matrix, int source, int destination) noexcept
+{
+    for (std::int32_t i = 0; i < matrix.connectionCount; ++i)
+    {
+        const auto n = static_cast<std::size_t> (i);
+
+        if (matrix.connSource[n] == source && matrix.connDest[n] == destination)
+            return i;
+    }
+
+    return -1;
+}
+
+static bool hasSource (const SignalMatrix& matrix, int destination) noexcept
+{
+    for (std::int32_t i = 0; i < matrix.connectionCount; ++i)
+        if (matrix.connDest[static_cast<std::size_t> (i)] == destination)
+            return true;
+
+    return false;
+}
+
+MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination, bool on) noexcept
+{
+    if (! isInRange (source, destination))
+        return MatrixEdit::unchanged;
+
+    matrix.connected[flagIndex (source, destination)] = on;
+    const std::int32_t found = findPair (matrix, source, destination);
+
+    if (on)
+    {
+        if (found >= 0)
+            return MatrixEdit::unchanged;
+
+        const auto end = static_cast<std::size_t> (matrix.connectionCount++);
+        matrix.connSource[end] = source;
+        matrix.connDest[end] = destination;
+        return MatrixEdit::firstOrFurtherConnection;
+    }
+
+    if (found >= 0)
+    {
+        const auto gap = static_cast<std::size_t> (found);
+        const auto last = static_cast<std::size_t> (--matrix.connectionCount);
+        matrix.connSource[gap] = matrix.connSource[last];
+        matrix.connDest[gap] = matrix.connDest[last];
+    }
+
+    return hasSource (matrix, destination) ? MatrixEdit::unchanged : MatrixEdit::lastConnectionGone;
+}
+
+void signal_matrix_clear (SignalMatrix& matrix) noexcept
+{
+    matrix.connected.fill (false);
+    matrix.connectionCount = 0;
+}
+
+bool signal_matrix_get (const SignalMatrix& matrix, int source, int destination) noexcept
+{
+    return isInRange (source, destination) && matrix.connected[flagIndex (source, destination)];
+}

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include <juce_core/juce_core.h>
+
+#include <array>
+#include <cstdint>
+
+inline constexpr int kNumSignalSources = 8;
+inline constexpr int kNumSignalDests = 10;
+inline constexpr int kMaxConnections = kNumSignalSources * kNumSignalDests;
+
+/** Indices into signalSources; stored in presets as input: never edit. */
+enum SignalSource
+{
+    sourceInputL,
+    sourceInputR,
+    sourceDelay1,
+    sourceDelay2,
+    sourceFilter1,
+    sourceFilter2,
+    sourceSaturation1,
+    sourceSaturation2
+};
+
+/** Indices into signalDests; stored in presets as output: never edit. */
+enum SignalDest
+{
+    destDelay1,
+    destDelay2,
+    destFeedback1,
+    destFeedback2,
+    destFilter1,
+    destFilter2,
+    destSaturation1,
+    destSaturation2,
+    destOutput1,
+    destOutput2
+};
+
+/** The patch bay: what every node gives and gets, and the connections between them. connectionLock guards
+    the list and the flags; the node values are the audio thread's. */
+struct SignalMatrix
+{
+    std::array<float, kNumSignalSources> signalSources {};
+    std::array<float, kNumSignalDests> signalDests {};
+    std::array<std::int32_t, kMaxConnections> connSource {};
+    std::array<std::int32_t, kMaxConnections> connDest {};
+    std::int32_t connectionCount = 0;
+    juce::SpinLock connectionLock;
+    std::array<bool, kMaxConnections>
+        connected {};  ///< flag of source s and destination d at s + 8 d
+};
+
+/** What an edit of the list did to its destination. */
+enum class MatrixEdit
+{
+    unchanged,
+    firstOrFurtherConnection,  ///< a pair was appended
+    lastConnectionGone  ///< a pair was removed and none is left that leads to its destination
+};
+
+/** Sets or clears a pair in flags and list; out of range does nothing. A removed pair's place is taken by
+    the last one. The destination keeps the value that it had: a destination without connection goes on
+    feeding it, until the next prepareToPlay. Caller holds connectionLock. */
+MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination, bool on) noexcept;
+
+/** Clears all flags and the list. Caller holds connectionLock. */
+void signal_matrix_clear (SignalMatrix& matrix) noexcept;
+
+/** Whether source is connected to destination; false out of range. Any thread, lock-free. */
+bool signal_matrix_get (const SignalMatrix& matrix, int source, int destination) noexcept;
+
+/** One sample: sums the sources of each connected destination, unscaled, in the order of the list. Audio
+    thread; caller holds connectionLock. */
+inline void signal_matrix_dsp (SignalMatrix& matrix) noexcept
+{
+    const auto count = static_cast<std::size_t> (matrix.connectionCount);
+
+    for (std::size_t i = 0; i < count; ++i)
+        matrix.signalDests[static_cast<std::size_t> (matrix.connDest[i])] = 0.0f;
+
+    for (std::size_t i = 0; i < count; ++i)
+        matrix.signalDests[static_cast<std::size_t> (matrix.connDest[i])] +=
+            matrix.signalSources[static_cast<std::size_t> (matrix.connSource[i])];
+}

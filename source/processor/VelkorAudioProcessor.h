@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include "engine/engine.h"
+#include "parameters/parameter_binding.h"
+#include "processor/zb_AudioProcessor.h"
+
+#include <juce_audio_processors/juce_audio_processors.h>
+
+#include <atomic>
+#include <memory>
+
+/** What the host talks to: owns the parameters, the undo history and one engine. */
+class VelkorAudioProcessor : public zb_AudioProcessor,
+                             public juce::AudioProcessorValueTreeState::Listener
+{
+public:
+    VelkorAudioProcessor();
+    ~VelkorAudioProcessor() override;
+
+    /** The 57 parameters in the order in which the host sees them. */
+    static juce::AudioProcessorValueTreeState::ParameterLayout buildParameters();
+
+    const juce::String getName() const override { return "Velkor"; }
+    bool isBusesLayoutSupported (const BusesLayout& layouts) const override;
+    double getTailLengthSeconds() const override { return 0.0; }
+    bool acceptsMidi() const override { return true; }
+    bool producesMidi() const override { return false; }
+    bool isMidiEffect() const override { return false; }
+    bool hasEditor() const override { return true; }
+    juce::AudioProcessorEditor* createEditor() override;
+
+    /** Sets the sample rate, for the other instances of the process too, and clears the signal state.
+        Never beside a block. */
+    void prepareToPlay (double sampleRate, int samplesPerBlock) override;
+
+    /** Does nothing: the buffers stay. */
+    void releaseResources() override {}
+
+    /** Audio thread. Allocates nothing, waits for nothing but the engine's two spin locks. */
+    void processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi) override;
+    using juce::AudioProcessor::processBlock;
+
+    void getStateInformation (juce::MemoryBlock& destination) override;
+    void setStateInformation (const void* data, int sizeInBytes) override;
+
+    /** Makes or breaks a connection of the signal matrix and tells the host. Message thread; takes
+        connectionLock. */
+    void setSignalConnection (int source, int destination, bool on);
+
+    /** Makes or breaks a route of the modulation matrix and tells the host. Message thread; takes modLock. */
+    void setModConnection (int source, int dest, bool on);
+
+    /** Whether source is routed to dest; false out of range. Any thread, lock-free. */
+    bool getModConnection (int source, int dest) const noexcept;
+
+    /** Part of the listener's interface; never registered, since parameters are pulled, once per block. */
+    void parameterChanged (const juce::String&, float) override {}
+
+    juce::UndoManager undoManager;
+    juce::AudioProcessorValueTreeState parameterTree;
+    std::unique_ptr<VelkorEngine> engine;  ///< deleted before the parameters go
+    ParamPointers paramValues {};          ///< resolved once, in the constructor
+
+    /** Set when a block held a MIDI event that the engine used; whoever shows it takes it by exchange. */
+    std::atomic<bool> midiActivity { false };
+
+private:
+    void takeMidi (const juce::MidiBuffer& midi) noexcept;
+    Transport readTransport() const;
+
+    JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (VelkorAudioProcessor)
+};
