@@ -21,6 +21,10 @@ endif()
 # For our own files only; the framework's modules are compiled as they come.
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
     set(VELKOR_WARNINGS -Wall -Wextra -Wshadow -Wconversion -Werror)
+
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+        list(APPEND VELKOR_WARNINGS -Wno-restrict)  # warns of std::string's own code (GCC bug 105651)
+    endif()
 else()
     set(VELKOR_WARNINGS /W4)
 endif()

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include <string>
+
+/** While one stands, this thread may not allocate, free, lock a mutex, wait or open a file: each such call
+    is counted. The calls themselves are replaced for the whole program in audio_guard.cpp. */
+class AudioGuard
+{
+public:
+    AudioGuard() noexcept;
+    ~AudioGuard();
+    AudioGuard (const AudioGuard&) = delete;
+    AudioGuard& operator= (const AudioGuard&) = delete;
+
+    /** Forbidden calls of this thread so far, and the name of the first. */
+    static int calls() noexcept;
+    static const char* firstCall() noexcept;
+};
