@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include "velkor_render/audio_output.h"
+
+#include <filesystem>
+#include <vector>
+
+struct Options;
+
+/** One file to be rendered. */
+struct Job
+{
+    std::filesystem::path input;  ///< empty: the demo phrase
+    std::filesystem::path output;
+    AudioFileType type;
+
+    /** The input, for people. */
+    std::string inputName() const { return input.empty() ? "demo" : input.string(); }
+};
+
+/** Which input becomes which output. Fails at inputs that aren't there, at outputs that can't be meant
+    (an unknown extension, an input, twice the same) and at formats that don't go together. Makes nothing. */
+std::vector<Job> planJobs (const Options& options);
