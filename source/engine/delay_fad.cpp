@@ -144,16 +144,40 @@ static float writtenValue (const DelayFad& line, float in, float a, std::int64_t
     return v;
 }
 
+/** The next whole number at or below x, which is no further out than a head can be. Without the library's
+    care for the whole range of floats this is a handful of instructions. */
+static std::int64_t floorOf (float x) noexcept
+{
+    const auto truncated = static_cast<std::int64_t> (x);
+    return x < static_cast<float> (truncated) ? truncated - 1 : truncated;
+}
+
+static std::int64_t ceilOf (float x) noexcept
+{
+    const auto truncated = static_cast<std::int64_t> (x);
+    return x > static_cast<float> (truncated) ? truncated + 1 : truncated;
+}
+
 static float shareOf (float crossed) noexcept
 {
     const float share = 1.0f / (crossed + 1.0f);
     return share < 1.0f ? share : 1.0f;
 }
 
+/** A slot number that may lie outside by a little, or in odd cases by much. */
+static std::int64_t wrapped (std::int64_t slot, std::int64_t slots) noexcept
+{
+    if (slot >= 0 && slot < slots)
+        return slot;
+
+    const std::int64_t rest = slot % slots;
+    return rest < 0 ? rest + slots : rest;
+}
+
 static float runForward (DelayFad& line, float in, float r, float w, float readStep) noexcept
 {
     const auto slots = static_cast<std::int64_t> (line.bufferSize);
-    const auto size = static_cast<float> (line.bufferSize);
+    const auto size = static_cast<float> (static_cast<std::int64_t> (line.bufferSize));
 
     r = r + readStep;
 
@@ -162,19 +186,18 @@ static float runForward (DelayFad& line, float in, float r, float w, float readS
 
     line.readPos = r;
     const auto [i, f] = readPointOf (line, r, size);
-    const std::int64_t j = (i + 1) % slots;
+    const std::int64_t j = i + 1 < slots ? i + 1 : 0;
     line.out = (1.0f - f) * line.buffer[i] + f * line.buffer[j];
 
-    const float floorOfStart = std::floor (w);
+    const std::int64_t start = floorOf (w);
     w = w + line.writeRate;
-    const float share = shareOf (std::floor (w) - floorOfStart);
+    const float share = shareOf (static_cast<float> (floorOf (w) - start));
     float a = 0.0f;
 
-    for (auto c = static_cast<std::int64_t> (floorOfStart); w > static_cast<float> (c); ++c)
+    for (std::int64_t c = start; w > static_cast<float> (c); ++c)
     {
         a = a + share;
-        const std::int64_t slot = c % slots;
-        line.buffer[slot < 0 ? slot + slots : slot] = writtenValue (line, in, a, i);
+        line.buffer[wrapped (c, slots)] = writtenValue (line, in, a, i);
     }
 
     return w >= size ? w - size : w;
@@ -183,7 +206,7 @@ static float runForward (DelayFad& line, float in, float r, float w, float readS
 static float runBackward (DelayFad& line, float in, float r, float w, float readStep) noexcept
 {
     const auto slots = static_cast<std::int64_t> (line.bufferSize);
-    const auto size = static_cast<float> (line.bufferSize);
+    const auto size = static_cast<float> (static_cast<std::int64_t> (line.bufferSize));
 
     r = r - readStep;
 
@@ -195,13 +218,13 @@ static float runBackward (DelayFad& line, float in, float r, float w, float read
     const std::int64_t j = i == 0 ? slots - 1 : i - 1;
     line.out = (1.0f - f) * line.buffer[i] + f * line.buffer[j] + line.thru * in;
 
-    const float start = std::ceil (w);
+    const std::int64_t start = ceilOf (w);
     w = w - line.writeRate;
-    const float share = shareOf (start - std::ceil (w));
+    const float share = shareOf (static_cast<float> (start - ceilOf (w)));
     auto c = static_cast<std::int64_t> (w);
     float a = 0.0f;
 
-    for (auto count = static_cast<std::int64_t> (start) - c; count > 0; --count)
+    for (auto count = start - c; count > 0; --count)
     {
         if (c < 1)
             c = slots;
@@ -219,8 +242,8 @@ void delay_fad_dsp (DelayFad& line, float in) noexcept
     if (line.bufferSize == 0)
         return;
 
-    const auto size = static_cast<float> (line.bufferSize);
-    const auto target = static_cast<float> (line.delaySamples);
+    const auto size = static_cast<float> (static_cast<std::int64_t> (line.bufferSize));
+    const auto target = static_cast<float> (static_cast<std::int64_t> (line.delaySamples));
     float w = line.writePos;
     float r = line.readPos;
     float ratio = 1.0f;

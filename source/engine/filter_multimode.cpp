@@ -29,13 +29,14 @@ void setCoef (FilterMultimode& filter, float freq) noexcept
 void setDamp (FilterMultimode& filter) noexcept
 {
     const double stable = std::min (2.0, -0.5 * filter.coef + 2.0 / filter.coef);
-    filter.damp = std::min (stable, 2.0 * (1.0 - std::pow (filter.q, 0.25)));
+    filter.damp = std::min (stable, filter.resoDamp);
 }
 
 void filter_multimode_set_response (FilterMultimode& filter, float reso, float mode) noexcept
 {
     filter.reso = reso;
     filter.q = static_cast<double> (reso) * 0.1;
+    filter.resoDamp = 2.0 * (1.0 - std::pow (filter.q, 0.25));
     setDamp (filter);
 
     const float m = mode;

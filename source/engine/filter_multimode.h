@@ -9,23 +9,23 @@
     filter_multimode_init once; the audio thread's, but for damp and active (see filter_multimode_connect). */
 struct FilterMultimode
 {
-    float freq = 1000.0f;  ///< cut-off in hertz, modulation included
-    float reso = 0.0f;     ///< 0 to 10; at 10 the filter rings on its own
-    double coef = 0.0;     ///< frequency coefficient, 0 to 0.25
-    double q = 0.0;        ///< reso * 0.1
-    double damp = 0.0;     ///< damping, 0 to 2
-    double low = 0.0;      ///< state
-    double high = 0.0;     ///< last value, not read back
-    double band = 0.0;     ///< state
-    double notch = 0.0;    ///< last value, not read back
-    float mode = 0.0f;     ///< position of the morph, 0 to 1
-    float lowMix = 0.0f;   ///< the four weights add up to 1
+    float freq = 1000.0f;   ///< cut-off in hertz, modulation included
+    float reso = 0.0f;      ///< 0 to 10; at 10 the filter rings on its own
+    double coef = 0.0;      ///< frequency coefficient, 0 to 0.25
+    double q = 0.0;         ///< reso * 0.1
+    double resoDamp = 2.0;  ///< what q asks of the damping, 2 (1 - q^0.25)
+    double damp = 0.0;      ///< damping, 0 to 2
+    double low = 0.0;       ///< state
+    double high = 0.0;      ///< last value, not read back
+    double band = 0.0;      ///< state
+    double notch = 0.0;     ///< last value, not read back
+    float mode = 0.0f;      ///< position of the morph, 0 to 1
+    float lowMix = 0.0f;    ///< the four weights add up to 1
     float highMix = 0.0f;
     float bandMix = 0.0f;
     float notchMix = 1.0f;
-    float out = 0.0f;  ///< result of the last call; the next sample takes it up
-    std::int32_t active =
-        0;  ///< 1 while a signal connection leads here; the sample loop runs regardless
+    float out = 0.0f;         ///< result of the last call; the next sample takes it up
+    std::int32_t active = 0;  ///< 1 while a connection leads here; it is run regardless
 };
 
 /** Works out coefficient and damping of a new record for the global sample rate. */

@@ -1,0 +1,294 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "counters.h"
+#include "engine/engine.h"
+#include "engine/engine_globals.h"
+#include "engine/saturation.h"
+#include "patches.h"
+
+#include <benchmark/benchmark.h>
+#include <cmath>
+#include <cstdlib>
+#include <vector>
+
+// Each stage of the engine by itself, at 48 kHz. Stages are called the way the sample loop does: a record's
+// fields go to memory and come back between one call and the next.
+
+static constexpr double kSampleRate = 48000.0;
+static constexpr int kCalls = 1024;  ///< of a stage, per iteration of a benchmark
+
+/** Times step (x) over noise x and reports nanoseconds per call under the given name. */
+template <typename Step>
+static void timeCalls (benchmark::State& state, const char* unit, Step step)
+{
+    const juce::ScopedNoDenormals noDenormals;
+    const std::vector<float> input = noise (kCalls, 3);
+    const Stopwatch stopwatch;
+
+    for (auto _ : state)
+        for (const float x : input)
+        {
+            step (x);
+            benchmark::ClobberMemory();
+        }
+
+    state.counters[unit] =
+        stopwatch.nanoseconds() / (static_cast<double> (state.iterations()) * kCalls);
+}
+
+// --- delay line ----------------------------------------------------------------------------------------
+
+/** How a line runs. */
+struct LineMode
+{
+    float speed;
+    bool isReversed, isLooping;
+};
+
+static void delayLine (benchmark::State& state, LineMode mode)
+{
+    setAudioSamplingRate (kSampleRate);
+    DelayFad line;
+    delay_fad_init (line);
+    delay_fad_set_time (line, false, 2, 0.5f, 500.0f, 120.0);
+    line.readRate = mode.speed;
+    line.writeRate = mode.speed;
+    line.reverseRequest = mode.isReversed;
+    line.loop = mode.isLooping;
+
+    timeCalls (state, "ns/frame",
+               [&line] (float x)
+               {
+                   delay_fad_dsp (line, x);
+                   benchmark::DoNotOptimize (line.out);
+               });
+
+    delay_fad_free (line);
+}
+
+BENCHMARK_CAPTURE (delayLine, forward, LineMode { 1.0f, false, false });
+BENCHMARK_CAPTURE (delayLine, slow, LineMode { 0.77f, false, false });
+BENCHMARK_CAPTURE (delayLine, fast, LineMode { 1.23f, false, false });
+BENCHMARK_CAPTURE (delayLine, reverse, LineMode { 1.0f, true, false });
+BENCHMARK_CAPTURE (delayLine, reverseFast, LineMode { 1.23f, true, false });
+BENCHMARK_CAPTURE (delayLine, loop, LineMode { 1.0f, false, true });
+
+static void feedback (benchmark::State& state)
+{
+    float amount = 0.5f;
+    benchmark::DoNotOptimize (amount);
+    timeCalls (state, "ns/frame",
+               [&amount] (float x)
+               { benchmark::DoNotOptimize (feedbackShape (amount, 20.0f * x)); });
+}
+
+BENCHMARK (feedback);
+
+// --- filter, saturation, panner ------------------------------------------------------------------------------
+
+static void filter (benchmark::State& state)
+{
+    setAudioSamplingRate (kSampleRate);
+    FilterMultimode record;
+    filter_multimode_init (record);
+    filter_multimode_set_response (record, 5.0f, 0.5f);
+    const float renormal = gFilterRenormal.load (std::memory_order_relaxed);
+
+    timeCalls (state, "ns/frame",
+               [&record, renormal] (float x)
+               {
+                   filter_multimode_dsp_morph (record, x, renormal);
+                   benchmark::DoNotOptimize (record);
+               });
+}
+
+BENCHMARK (filter);
+
+static void saturator (benchmark::State& state)
+{
+    float k = saturationConstant (0.5f);
+    benchmark::DoNotOptimize (k);
+    timeCalls (state, "ns/frame", [&k] (float x) { benchmark::DoNotOptimize (saturation (k, x)); });
+}
+
+BENCHMARK (saturator);
+
+static void panner (benchmark::State& state)
+{
+    RouterPanner1to2 record;
+    router_panner_1to2_init (record);
+    timeCalls (state, "ns/frame",
+               [&record] (float x)
+               {
+                   router_panner_1to2_dsp (record, x);
+                   benchmark::DoNotOptimize (record);
+               });
+    router_panner_1to2_free (record);
+}
+
+BENCHMARK (panner);
+
+// --- routers -------------------------------------------------------------------------------------------------
+
+static void router (benchmark::State& state)
+{
+    SignalMatrix matrix;
+
+    // Spread over the destinations. Without the shift by one after 40, half of the pairs never came up.
+    for (int i = 0; matrix.connectionCount < state.range (0); ++i)
+        signal_matrix_edit (matrix, (i + i / 40) % kNumSignalSources, i % kNumSignalDests, true);
+
+    timeCalls (state, "ns/frame",
+               [&matrix] (float x)
+               {
+                   matrix.signalSources[sourceInputL] = x;
+                   signal_matrix_dsp (matrix);
+                   benchmark::DoNotOptimize (matrix.signalDests);
+               });
+}
+
+BENCHMARK (router)->ArgName ("connections")->Arg (0)->Arg (6)->Arg (20)->Arg (80);
+
+static void modulationRouter (benchmark::State& state)
+{
+    ModMatrix matrix;
+
+    for (int i = 0; matrix.router.routes.size() < state.range (0); ++i)
+        mod_router_set (matrix, i % kNumModSources, i / kNumModSources, true);
+
+    timeCalls (state, "ns/tick",
+               [&matrix] (float x)
+               {
+                   matrix.modSources.getReference (modSourceLfo1) = x;
+                   mod_router_dsp (matrix);
+               });
+}
+
+BENCHMARK (modulationRouter)->ArgName ("routes")->Arg (0)->Arg (6)->Arg (60);
+
+// --- control tick ----------------------------------------------------------------------------------------------
+
+static void lfo (benchmark::State& state, LfoKind kind, float skew)
+{
+    GenLFO record;
+    gen_LFO_init (record);
+    gen_LFO_set_kind (record, kind);
+    gen_LFO_set_skew (record, skew);
+    double phase = 0.0;
+
+    timeCalls (state, "ns/tick",
+               [&record, &phase] (float)
+               {
+                   phase = gen_LFO_reduce (phase + 0.0123);
+                   benchmark::DoNotOptimize (gen_LFO_dsp_phasor (record, phase));
+               });
+}
+
+BENCHMARK_CAPTURE (lfo, triangle, lfoTriangle, 0.5f);
+BENCHMARK_CAPTURE (lfo, sine, lfoSine, 0.5f);
+BENCHMARK_CAPTURE (lfo, skewedSine, lfoSine, 0.3f);
+BENCHMARK_CAPTURE (lfo, square, lfoSquare, 0.5f);
+BENCHMARK_CAPTURE (lfo, random, lfoRandom, 0.5f);
+
+/** Look-up of the cut-off and both coefficients of one filter, as on every tick. */
+static void tickFilter (benchmark::State& state, float reso)
+{
+    setAudioSamplingRate (kSampleRate);
+    FreqLookup scale;
+    freq_lookup_init (scale);
+    FilterMultimode record;
+    filter_multimode_init (record);
+    filter_multimode_set_response (record, reso, 0.5f);
+
+    timeCalls (state, "ns/tick",
+               [&record, &scale] (float x)
+               {
+                   scale.output = tableLookup (scale.size, scale.table, 0.5f + x);
+                   setCoef (record, scale.output);
+                   setDamp (record);
+               });
+
+    std::free (scale.table);
+}
+
+BENCHMARK_CAPTURE (tickFilter, noResonance, 0.0f);
+BENCHMARK_CAPTURE (tickFilter, resonance, 5.0f);
+
+static void tickPanner (benchmark::State& state)
+{
+    RouterPanner1to2 record;
+    router_panner_1to2_init (record);
+    timeCalls (state, "ns/tick",
+               [&record] (float x) { router_panner_1to2_set (record, 0.5f + x); });
+    router_panner_1to2_free (record);
+}
+
+BENCHMARK (tickPanner);
+
+static void tickRamp (benchmark::State& state)
+{
+    setAudioSamplingRate (kSampleRate);
+    RampGenerator ramp;
+    ramp_init (ramp);
+    timeCalls (state, "ns/tick",
+               [&ramp] (float) { benchmark::DoNotOptimize (rampTick (ramp, 1.0f)); });
+}
+
+BENCHMARK (tickRamp);
+
+static void tickLfoRate (benchmark::State& state)
+{
+    GenLFO record;
+    gen_LFO_init (record);
+    timeCalls (state, "ns/tick", [&record] (float x) { gen_LFO_set_rate (record, 1.0f + x); });
+}
+
+BENCHMARK (tickLfoRate);
+
+static void tickEnvelope (benchmark::State& state)
+{
+    setAudioSamplingRate (kSampleRate);
+    EnvelopeFollower env;
+    envelope_follower_set_times (env, 0.01f, 0.25f);
+    timeCalls (state, "ns/tick",
+               [&env] (float x)
+               { benchmark::DoNotOptimize (envelope_follower_dsp (env, std::abs (x))); });
+}
+
+BENCHMARK (tickEnvelope);
+
+// --- block -----------------------------------------------------------------------------------------------------
+
+static void bindParameters (benchmark::State& state)
+{
+    const VelkorAudioProcessor processor;
+    timeCalls (state, "ns/block",
+               [&processor] (float)
+               { bindSnapshot (readSnapshot (processor.paramValues), *processor.engine); });
+}
+
+BENCHMARK (bindParameters);
+
+/** The engine's share of a block: a block of n samples without parameters, MIDI and transport. */
+static void engineBlock (benchmark::State& state)
+{
+    const auto n = static_cast<int> (state.range (0));
+    const juce::ScopedNoDenormals noDenormals;
+    const std::vector<float> input = noise (n, 3);
+    std::vector<float> left = input, right = input;
+    VelkorEngine engine;
+    engine_prepare (engine, kSampleRate);
+    const Stopwatch stopwatch;
+
+    for (auto _ : state)
+    {
+        left = input;
+        right = input;
+        engine_dsp_block (engine, left.data(), right.data(), n, Transport {});
+        benchmark::ClobberMemory();
+    }
+
+    state.counters["ns/frame"] =
+        stopwatch.nanoseconds() / (static_cast<double> (state.iterations()) * n);
+}
+
+BENCHMARK (engineBlock)->ArgName ("block")->Arg (4)->Arg (16)->Arg (512);
