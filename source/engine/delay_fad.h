@@ -16,9 +16,8 @@ inline constexpr std::int32_t multTable[4] = { 1, 2, 4, 8 };
     delay_fad_prepare and delay_fad_clear between blocks. */
 struct DelayFad
 {
-    float timeMs = 0.0f;  ///< effective delay time, 2 to 12000 ms
-    std::uint64_t maxTimeMs =
-        0;  ///< the longest time the buffer is sized for; set by delay_fad_init only
+    float timeMs = 0.0f;             ///< effective delay time, 2 to 12000 ms
+    std::uint64_t maxTimeMs = 0;     ///< what the buffer is sized for; set by delay_fad_init only
     std::uint64_t delaySamples = 0;  ///< target distance of the heads, in slots
     std::uint64_t bufferSize = 0;  ///< slots; 0 only if memory ran out, and then the line is silent
     float* buffer = nullptr;       ///< owned, malloc family; freed by delay_fad_free

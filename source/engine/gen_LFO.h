@@ -23,16 +23,14 @@ struct GenLFO
 {
     float freq = 0.0f;  ///< four times the modulated rate in hertz; no phase arithmetic reads it
     std::uint16_t kind = lfoSine;
-    float skew = 0.001f;  ///< in use, 0.001 to 0.999
-    float shapeA =
-        0.1996f;          ///< sine: phase warp; triangle: rising slope; random: slope of the glide
-    float shapeB = 0.0f;  ///< triangle: falling slope; random: 1 / skew
-    float phase = 0.0f;   ///< zeroed, never used
+    float skew = 0.001f;          ///< in use, 0.001 to 0.999
+    float shapeA = 0.1996f;       ///< sine: phase warp; triangle: rising slope; random: glide slope
+    float shapeB = 0.0f;          ///< triangle: falling slope; random: 1 / skew
+    float phase = 0.0f;           ///< zeroed, never used
     float phaseIncrement = 0.0f;  ///< freq over the sample rate; written, never read
     float table[512] = {};        ///< one cycle of sine
     std::int64_t randomState = 3321;
-    float lastPhase =
-        999.0f;  ///< random: the phase of the last evaluation; a first one always draws
+    float lastPhase = 999.0f;   ///< random: the last phase; a first evaluation always draws
     float randomTarget = 0.0f;  ///< random: the value held
     float randomStart = 0.0f;   ///< random: the value that the present glide started from
     float output = 0.0f;        ///< the latest value

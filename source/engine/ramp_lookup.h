@@ -34,9 +34,8 @@ void rampSetRate (RampGenerator& ramp) noexcept;
 struct FreqLookup
 {
     std::int32_t size = 1024;
-    float* table =
-        nullptr;  ///< size + 1 entries in hertz, owned, malloc family; empty if memory ran out
-    float output = 0.0f;  ///< the last value taken, in hertz
+    float* table = nullptr;  ///< size + 1 entries in hertz, owned; empty if memory ran out
+    float output = 0.0f;     ///< the last value taken, in hertz
 };
 
 /** Allocates and fills the table. */

@@ -7,9 +7,8 @@
     the left, so that the gains add up to 1 and the centre is 6 dB down on each side. */
 struct RouterPanner1to2
 {
-    float pan = 0.5f;  ///< 0 left to 1 right
-    float mode =
-        0.0f;  ///< 0 the table's law, 1 a straight line, else the gains stay; nothing sets it
+    float pan = 0.5f;   ///< 0 left to 1 right
+    float mode = 0.0f;  ///< 0 the table, 1 a straight line, else gains stay; nothing sets it
     std::int32_t size = 1024;
     float* table = nullptr;  ///< size + 1 gains, owned, malloc family
     float lookup = 0.0f;     ///< the last value from the table

@@ -15,8 +15,8 @@ inline constexpr std::array<float, 15> gBeatMults {
 constexpr int syncBeatIndex (float t) noexcept
 {
     const float position = t < 0.0f ? 0.0f : (t < 1.0f ? t : 1.0f);
-    const float scaled =
-        position * 0.99f * 15.0f;  // 0.99: the last length gets its own stretch of travel
+    // 0.99: the last length gets a stretch of travel of its own.
+    const float scaled = position * 0.99f * 15.0f;
     const int index = static_cast<int> (scaled);
     return index < 0 ? 0 : (index > 14 ? 14 : index);
 }
