@@ -150,14 +150,11 @@ void AudioOutput::failToWrite() const
           ": can't be written: " + (error ? error.message() : "write error"));
 }
 
-void AudioOutput::write (const juce::AudioBuffer<float>& frames, int start, int count)
+void AudioOutput::write (const juce::AudioBuffer<float>& frames, int count)
 {
     if (wordLength == 32)
     {
-        const float* const floats[] = { frames.getReadPointer (0, start),
-                                        frames.getReadPointer (1, start) };
-
-        if (! writer->writeFromFloatArrays (floats, 2, count))
+        if (! writer->writeFromAudioSampleBuffer (frames, 0, count))
             failToWrite();
 
         return;
@@ -168,7 +165,7 @@ void AudioOutput::write (const juce::AudioBuffer<float>& frames, int start, int 
 
     for (int channel = 0; channel < 2; ++channel)
     {
-        const float* const source = frames.getReadPointer (channel, start);
+        const float* const source = frames.getReadPointer (channel);
         auto& target = integers[channel];
         target.resize (static_cast<std::size_t> (count));
         std::transform (source, source + count, target.begin(),

@@ -34,8 +34,8 @@ public:
     AudioOutput (const AudioOutput&) = delete;
     AudioOutput& operator= (const AudioOutput&) = delete;
 
-    /** Appends frames. Values become the nearest ones of the word length. */
-    void write (const juce::AudioBuffer<float>& frames, int start, int count);
+    /** Appends the first count frames. Values become the nearest ones of the word length. */
+    void write (const juce::AudioBuffer<float>& frames, int count);
 
     /** Completes the file and puts it into its place. */
     void commit();

@@ -3,7 +3,6 @@
 
 #include "velkor_render/failure.h"
 #include "velkor_render/options.h"
-#include "velkor_render/paths.h"
 #include "velkor_render/text.h"
 
 #include <set>
@@ -92,9 +91,6 @@ std::vector<Job> planJobs (const Options& options)
         if (options.bits == 32 && job.type != AudioFileType::wav)
             failUsage ("--bits: 32 is for WAV only, and " + inQuotes (job.output.string()) +
                        " is another format");
-
-        if (! job.input.empty())
-            existingFile (job.input);
 
         checkAgainstInputs (job, options);
 

@@ -19,6 +19,6 @@ struct Job
     std::string inputName() const { return input.empty() ? "demo" : input.string(); }
 };
 
-/** Which input becomes which output. Fails at inputs that aren't there, at outputs that can't be meant
-    (an unknown extension, an input, twice the same) and at formats that don't go together. Makes nothing. */
+/** Which input becomes which output. Fails by usage at outputs that can't be meant (an unknown extension,
+    an input, twice the same) and at options that don't go with them. Opens and makes nothing. */
 std::vector<Job> planJobs (const Options& options);

@@ -54,7 +54,7 @@ public:
 
 private:
     void processBlock (int count);
-    void keep (const juce::AudioBuffer<float>& frames, int start, int count);
+    void keep (const juce::AudioBuffer<float>& frames, int count);
     void renderUpTo (juce::int64 end, const std::function<void (double)>& progress);
     void renderUntilSilent();
     bool isAudible (int frame) const;
@@ -119,12 +119,12 @@ bool Renderer::isAudible (int frame) const
            std::abs (block.getSample (1, frame)) >= kSilenceGain;
 }
 
-void Renderer::keep (const juce::AudioBuffer<float>& frames, int start, int count)
+void Renderer::keep (const juce::AudioBuffer<float>& frames, int count)
 {
     for (int channel = 0; channel < 2; ++channel)
     {
         const auto side = static_cast<std::size_t> (channel);
-        const float* const samples = frames.getReadPointer (channel, start);
+        const float* const samples = frames.getReadPointer (channel);
 
         for (int i = 0; i < count; ++i)
         {
@@ -134,7 +134,7 @@ void Renderer::keep (const juce::AudioBuffer<float>& frames, int start, int coun
         }
     }
 
-    output.write (frames, start, count);
+    output.write (frames, count);
     result.frames += count;
 }
 
@@ -144,7 +144,7 @@ void Renderer::renderUpTo (juce::int64 end, const std::function<void (double)>& 
     {
         const auto count = std::min<juce::int64> (settings.block, end - playHead.frame);
         processBlock (static_cast<int> (count));
-        keep (block, 0, static_cast<int> (count));
+        keep (block, static_cast<int> (count));
         progress (static_cast<double> (playHead.frame) / static_cast<double> (end));
     }
 }
@@ -159,22 +159,25 @@ void Renderer::renderUntilSilent()
     const auto patience = silence + static_cast<juce::int64> (delaySeconds * input.rate);
     const auto start = playHead.frame;
     const auto longest = static_cast<juce::int64> (kLongestTailSeconds * input.rate);
-    juce::AudioBuffer<float> tail;
+    std::vector<float> tail[2];
 
     while (playHead.frame < std::min (start + longest, heardLast + patience))
     {
-        const int held = tail.getNumSamples();
         const auto count = static_cast<int> (
             std::min<juce::int64> (settings.block, start + longest - playHead.frame));
         processBlock (count);
-        tail.setSize (2, held + count, true, false, true);
 
         for (int channel = 0; channel < 2; ++channel)
-            tail.copyFrom (channel, held, block, channel, 0, count);
+        {
+            const float* const samples = block.getReadPointer (channel);
+            tail[channel].insert (tail[channel].end(), samples, samples + count);
+        }
     }
 
-    const auto end = std::clamp<juce::int64> (heardLast + silence - start, 0, tail.getNumSamples());
-    keep (tail, 0, static_cast<int> (end));
+    float* const channels[] = { tail[0].data(), tail[1].data() };
+    const auto held = static_cast<int> (tail[0].size());
+    const auto wanted = std::clamp<juce::int64> (heardLast + silence - start, 0, held);
+    keep ({ channels, 2, held }, static_cast<int> (wanted));
 }
 
 RenderResult Renderer::run (const std::function<void (double)>& progress)

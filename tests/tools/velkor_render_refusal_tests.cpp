@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "render_run.h"
+
+#include <algorithm>
+
+// What velkor-render refuses, in which words, and that nothing is left behind.
+
+namespace
+{
+/** Arguments that must not work. */
+struct Refusal
+{
+    Words arguments;
+    int exitCode;
+    const char* culprit;  ///< what the message must name
+};
+}  // namespace
+
+class RenderRefusal : public RenderTest
+{
+protected:
+    RenderRefusal()
+    {
+        write ("in.wav", impulses (3000, 10, 0.5f, 0.5f));
+        file ("text.wav").replaceWithText ("not a sound");
+        file ("text.mid").replaceWithText ("MThd or not");
+        file ("other.xml").replaceWithText ("<OtherSettings/>");
+    }
+
+    void expectRefusal (const Refusal& refusal, const std::string& setUp = {}) const
+    {
+        std::string shown;
+
+        for (const auto& word : refusal.arguments)
+            shown += word + " | ";
+
+        SCOPED_TRACE (shown);
+        const auto before = content();
+        const auto result = run (refusal.arguments, setUp);
+        EXPECT_EQ (result.exitCode, refusal.exitCode);
+        EXPECT_EQ (result.out, "");
+        EXPECT_TRUE (result.err.starts_with ("velkor-render: ")) << result.err;
+        EXPECT_NE (result.err.find (refusal.culprit), std::string::npos) << result.err;
+        EXPECT_EQ (std::count (result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+        EXPECT_TRUE (result.err.ends_with ('\n'));
+        EXPECT_EQ (content(), before);
+        EXPECT_EQ (temporaries.getNumberOfChildFiles (juce::File::findFilesAndDirectories), 0);
+    }
+};
+
+TEST_F (RenderRefusal, FilesThatCannotBeUsed)
+{
+    write ("six.wav", juce::AudioBuffer<float> (6, 100));
+    juce::MemoryBlock whole;
+    file ("in.wav").loadFileAsData (whole);
+    file ("short.wav").replaceWithData (whole.getData(), whole.getSize() / 2);
+
+    for (const auto& refusal : {
+             Refusal { { "gone.wav", "o.wav" }, 1, "gone.wav" },
+             Refusal { { "text.wav", "o.wav" }, 1, "text.wav" },
+             Refusal { { "short.wav", "o.wav" }, 1, "short.wav" },
+             Refusal { { "six.wav", "o.wav" }, 1, "six.wav" },
+             Refusal { { ".", "o.wav" }, 1, "." },
+             Refusal { { "new\nline.wav", "o.wav" }, 1, "new line.wav" },
+             Refusal { { "--midi", "gone.mid", "in.wav", "o.wav" }, 1, "gone.mid" },
+             Refusal { { "--midi", "text.mid", "in.wav", "o.wav" }, 1, "text.mid" },
+             Refusal { { "--preset", "gone.zbpreset", "in.wav", "o.wav" }, 1, "gone.zbpreset" },
+             Refusal { { "--preset", "text.wav", "in.wav", "o.wav" }, 1, "text.wav" },
+             Refusal { { "--preset", "other.xml", "in.wav", "o.wav" }, 1, "other.xml" },
+             Refusal { { "in.wav", "text.wav/o.wav" }, 1, "text.wav/o.wav" },
+             Refusal { { "in.wav", "text.wav", "folder/" }, 1, "text.wav" },
+         })
+        expectRefusal (refusal);
+}
+
+TEST_F (RenderRefusal, OutputsThatCannotBeMeant)
+{
+    write ("in.aiff", impulses (10, 0, 0.5f, 0.5f), 44100.0, 24);
+    ASSERT_TRUE (file ("in.wav").createSymbolicLink (file ("link.wav"), false));
+    ASSERT_TRUE (file ("there").createDirectory().wasOk());
+
+    for (const auto& refusal : {
+             Refusal { {}, 2, "INPUT" },
+             Refusal { { "in.wav" }, 2, "OUTPUT" },
+             Refusal { { "--demo" }, 2, "OUTPUT" },
+             Refusal { { "--demo", "in.wav", "o.wav" }, 2, "in.wav" },
+             Refusal { { "--parameters", "in.wav" }, 2, "in.wav" },
+             Refusal { { "in.wav", "o.mp3" }, 2, "o.mp3" },
+             Refusal { { "in.wav", "o" }, 2, "\"o\"" },
+             Refusal { { "in.wav", "in.wav" }, 2, "in.wav" },
+             Refusal { { "link.wav", "./in.wav" }, 2, "in.wav" },
+             Refusal { { "in.wav", "in.aiff", "o.wav" }, 2, "o.wav" },
+             Refusal { { "in.wav", "in.aiff", "there" }, 2, "there/in.wav" },
+             Refusal { { "--format", "mp3", "in.wav", "there" }, 2, "mp3" },
+             Refusal { { "--format", "flac", "in.wav", "o.wav" }, 2, "o.wav" },
+             Refusal { { "--bits", "32", "in.wav", "o.flac" }, 2, "o.flac" },
+             Refusal { { "--bits", "20", "in.wav", "o.wav" }, 2, "20" },
+         })
+        expectRefusal (refusal);
+}
+
+TEST_F (RenderRefusal, WordsThatMeanNothing)
+{
+    const std::vector<std::pair<Words, const char*>> options = {
+        { { "--nonsense" }, "--nonsense" },
+        { { "--set", "Dealy 1 Time=5" }, "Dealy 1 Time" },
+        { { "--set", "Delay 1 Time" }, "Delay 1 Time" },
+        { { "--set", "Delay 1 Time=" }, "Delay 1 Time" },
+        { { "--set", "Delay 1 Time=abc" }, "abc" },
+        { { "--set", "Delay 1 Time=1001" }, "1001" },
+        { { "--set", "Delay 1 Time=5 kHz" }, "5 kHz" },
+        { { "--set", "Delay 1 Time=1/8D" }, "Delay 1 Sync" },
+        { { "--set", "Delay 1 Multiplier=x3" }, "x3" },
+        { { "--set", "Delay 1 Multiplier=4" }, "4" },
+        { { "--set", "Delay 1 Multiplier=0.5" }, "0.5" },
+        { { "--set", "Dry Level=+4 dB" }, "+4 dB" },
+        { { "--set", "Filter 1 Freq=nan" }, "nan" },
+        { { "--set", "LFO 1 Skew=50" }, "50" },
+        { { "--set", "Kill=maybe" }, "maybe" },
+        { { "--connect", "Delay 3 > Filter 1" }, "Delay 3" },
+        { { "--connect", "Delay 1 > Input L" }, "Input L" },
+        { { "--connect", "Delay 1" }, "Delay 1" },
+        { { "--disconnect", "everything" }, "everything" },
+        { { "--route", "LFO 3 > Pan 1" }, "LFO 3" },
+        { { "--unroute", "LFO 1 > Output 1" }, "Output 1" },
+        { { "--tempo", "fast" }, "fast" },
+        { { "--tempo", "-5" }, "-5" },
+        { { "--tempo", "" }, "--tempo" },
+        { { "--block", "0" }, "--block" },
+        { { "--block", "16385" }, "16385" },
+        { { "--block", "1.5" }, "1.5" },
+        { { "--rate", "44.1kHz" }, "44.1kHz" },
+        { { "--rate", "100" }, "100" },
+        { { "--tail", "long" }, "long" },
+        { { "--tail", "-1" }, "-1" },
+    };
+
+    for (const auto& [words, culprit] : options)
+        expectRefusal ({ words + Words { "in.wav", "o.wav" }, 2, culprit });
+}
+
+TEST_F (RenderRefusal, AFullDiskLeavesNothingAndWhatWasThereStays)
+{
+    // A limit on file sizes fails a write as a full disk does. dash counts in 512 bytes, bash in 1024.
+    const std::string limit = "trap '' XFSZ; ulimit -f 8;";
+
+    for (const auto* name : { "o.wav", "o.aiff", "o.flac" })
+        expectRefusal ({ { "--demo", name }, 1, name }, limit);
+
+    file ("old.wav").replaceWithText ("precious");
+    expectRefusal ({ { "--demo", "old.wav" }, 1, "old.wav" }, limit);
+    EXPECT_EQ (file ("old.wav").loadFileAsString(), "precious");
+    render ({ "in.wav", "old.wav" });
+    EXPECT_EQ (read ("old.wav").format, "WAV file");
+
+    // So little is missing, in pieces so small, that the stream still holds it when the header is written.
+    const Words small = { "--tail", "0", "--bits", "16", "--block", "64", "in.wav" };
+    render (small + Words { "fits.wav" });
+    const auto size = std::to_string (file ("fits.wav").getSize());
+    expectRefusal ({ small + Words { "o.wav" }, 1, "o.wav" },
+                   "trap '' XFSZ; [ -n \"$BASH\" ] && unit=1024 || unit=512; ulimit -f $((" + size +
+                       " / unit));");
+}
+
+TEST_F (RenderRefusal, AnInterruptedRenderClearsUp)
+{
+    const auto before = content();
+    const auto result =
+        run ({ "--demo", "--tail", "3600", "--block", "1", "o.wav" }, "timeout -s INT 1");
+    EXPECT_NE (result.exitCode, 0);
+    EXPECT_EQ (content(), before);
+    EXPECT_EQ (temporaries.getNumberOfChildFiles (juce::File::findFilesAndDirectories), 0);
+}
