@@ -43,6 +43,7 @@ set(PLUGIN_SOURCES
     source/parameters/parameter_table.cpp
     source/parameters/parameter_text.cpp
     source/parameters/sync_display_parameter.cpp
+    source/processor/Lv2AudioProcessor.cpp
     source/processor/VelkorAudioProcessor.cpp
     source/processor/plugin_entry.cpp
     source/processor/process_block.cpp
@@ -70,17 +71,19 @@ if(TARGET Velkor_LV2)
     target_compile_definitions(Velkor_LV2 PRIVATE "JucePlugin_LV2URI=\"${VELKOR_LV2_URI}\"")
 endif()
 
-# Two steps after linking load the plug-in and make an instance of it, which works on the user's folders
+# Two helpers load the plug-in after linking and make an instance of it, which works on the user's folders
 # like any other. They get a home of their own.
 set(VELKOR_SCRATCH_HOME "${CMAKE_BINARY_DIR}/scratch-home")
 file(MAKE_DIRECTORY "${VELKOR_SCRATCH_HOME}")
 
-foreach(target Velkor_VST3 Velkor_LV2)
-    if(TARGET ${target})
-        set_property(TARGET ${target} PROPERTY
-            RULE_LAUNCH_CUSTOM "\"${CMAKE_COMMAND}\" -E env \"HOME=${VELKOR_SCRATCH_HOME}\"")
-    endif()
-endforeach()
+if(UNIX AND NOT APPLE)
+    foreach(helper juce_vst3_helper juce_lv2_helper)
+        if(TARGET ${helper})
+            target_sources(${helper} PRIVATE "${CMAKE_SOURCE_DIR}/cmake/scratch_home.cpp")
+            target_compile_definitions(${helper} PRIVATE VELKOR_SCRATCH_HOME="${VELKOR_SCRATCH_HOME}")
+        endif()
+    endforeach()
+endif()
 
 foreach(target Velkor_VST3 Velkor_LV2 Velkor_Standalone)
     if(TARGET ${target})

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-#include "processor/VelkorAudioProcessor.h"
+#include "processor/Lv2AudioProcessor.h"
 
 juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter();
 
 juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter()
 {
+    if (juce::PluginHostType::getPluginLoadedAs() == juce::AudioProcessor::wrapperType_LV2)
+        return new Lv2AudioProcessor();
+
     return new VelkorAudioProcessor();
 }
