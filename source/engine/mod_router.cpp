@@ -2,6 +2,7 @@
 #include "engine/mod_router.h"
 
 #include <memory>
+#include <tuple>
 
 namespace zb
 {
@@ -31,7 +32,7 @@ void ModRouterCore::setGain (int source, int dest, float gain)
     const juce::ScopedLock lock (growthLock);
     auto route = std::make_unique<ModRoute> (ModRoute { source, dest, gain });
     routes.add (route.get());
-    route.release();
+    std::ignore = route.release();
 }
 
 void ModRouterCore::remove (int source, int dest)
