@@ -102,3 +102,18 @@ void engine_set_connection (VelkorEngine& engine, int source, int destination, b
     if (auto* filter = filterBehind (engine, destination))
         filter_multimode_connect (*filter, edit == MatrixEdit::firstOrFurtherConnection);
 }
+
+void engine_replace_connections (VelkorEngine& engine, std::span<const SignalPair> pairs) noexcept
+{
+    SignalMatrix fresh;
+
+    for (const auto& pair : pairs)
+        signal_matrix_edit (fresh, pair.source, pair.destination, true);
+
+    const juce::SpinLock::ScopedLockType lock (engine.signal.connectionLock);
+    signal_matrix_take (engine.signal, fresh);
+
+    for (const int destination : { destFilter1, destFilter2 })
+        filter_multimode_connect (*filterBehind (engine, destination),
+                                  signal_matrix_has_source (engine.signal, destination));
+}

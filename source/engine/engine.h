@@ -81,6 +81,11 @@ void engine_clear (VelkorEngine& engine) noexcept;
     last source. Out of range does nothing. Takes connectionLock. Not on the audio thread. */
 void engine_set_connection (VelkorEngine& engine, int source, int destination, bool on) noexcept;
 
+/** Makes the given connections, in their order, and no others; pairs out of range and repeated ones are left
+    out. Nodes that lose their source keep their values, as in engine_set_connection. The list is worked out
+    before connectionLock is taken. Not on the audio thread. */
+void engine_replace_connections (VelkorEngine& engine, std::span<const SignalPair> pairs) noexcept;
+
 /** The host's transport as a block sees it. */
 struct Transport
 {

@@ -45,6 +45,12 @@ void ModRouterCore::remove (int source, int dest)
     }
 }
 
+void ModRouterCore::swapRoutes (ModRouterCore& other) noexcept
+{
+    const juce::ScopedLock lock (growthLock);
+    routes.swapWith (other.routes);
+}
+
 void ModRouterCore::clear()
 {
     const juce::ScopedLock lock (growthLock);
@@ -87,6 +93,23 @@ void mod_router_set (ModMatrix& matrix, int source, int dest, bool on)
         matrix.router.setGain (source, dest, 1.0f);
     else
         matrix.router.remove (source, dest);
+}
+
+void mod_router_replace (ModMatrix& matrix, std::span<const ModPair> pairs)
+{
+    zb::ModRouterCore router;
+    decltype (matrix.modGrid) grid {};
+
+    for (const auto& [source, dest] : pairs)
+        if (isInRange (source, dest))
+        {
+            grid[gridIndex (source, dest)] = true;
+            router.setGain (source, dest, 1.0f);
+        }
+
+    const juce::SpinLock::ScopedLockType lock (matrix.modLock);
+    matrix.modGrid = grid;
+    matrix.router.swapRoutes (router);
 }
 
 bool mod_router_get (const ModMatrix& matrix, int source, int dest) noexcept

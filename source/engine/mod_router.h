@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 inline constexpr int kNumModSources = 6;
 inline constexpr int kNumModDests = 10;
@@ -65,6 +66,9 @@ struct ModRouterCore
     /** Removes and deletes the route from source to dest, if there is one. Caller holds modLock. */
     void remove (int source, int dest);
 
+    /** Exchanges all routes with another router's. Caller holds modLock. */
+    void swapRoutes (ModRouterCore& other) noexcept;
+
     /** Removes and deletes all routes and gives the list's storage back. Caller holds modLock. */
     void clear();
 };
@@ -86,6 +90,18 @@ struct ModMatrix
 /** Makes or breaks the route from source to dest; out of range does nothing. Takes modLock. Not on the
     audio thread. */
 void mod_router_set (ModMatrix& matrix, int source, int dest, bool on);
+
+/** A crosspoint of the modulation matrix, its numbers in range or not. */
+struct ModPair
+{
+    std::int32_t source = 0;
+    std::int32_t dest = 0;
+};
+
+/** Makes the given routes, in their order, and no others; pairs out of range and repeated ones are left out.
+    The new routes are made before modLock is taken and the old ones deleted after. Not on the audio
+    thread. */
+void mod_router_replace (ModMatrix& matrix, std::span<const ModPair> pairs);
 
 /** Whether source is routed to dest; false out of range. Any thread, lock-free. */
 bool mod_router_get (const ModMatrix& matrix, int source, int dest) noexcept;

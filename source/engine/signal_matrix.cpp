@@ -25,7 +25,7 @@ static std::int32_t findPair (const SignalMatrix& matrix, int source, int destin
     return -1;
 }
 
-static bool hasSource (const SignalMatrix& matrix, int destination) noexcept
+bool signal_matrix_has_source (const SignalMatrix& matrix, int destination) noexcept
 {
     for (std::int32_t i = 0; i < matrix.connectionCount; ++i)
         if (matrix.connDest[static_cast<std::size_t> (i)] == destination)
@@ -61,13 +61,16 @@ MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination
         matrix.connDest[gap] = matrix.connDest[last];
     }
 
-    return hasSource (matrix, destination) ? MatrixEdit::unchanged : MatrixEdit::lastConnectionGone;
+    return signal_matrix_has_source (matrix, destination) ? MatrixEdit::unchanged
+                                                          : MatrixEdit::lastConnectionGone;
 }
 
-void signal_matrix_clear (SignalMatrix& matrix) noexcept
+void signal_matrix_take (SignalMatrix& matrix, const SignalMatrix& other) noexcept
 {
-    matrix.connected.fill (false);
-    matrix.connectionCount = 0;
+    matrix.connSource = other.connSource;
+    matrix.connDest = other.connDest;
+    matrix.connectionCount = other.connectionCount;
+    matrix.connected = other.connected;
 }
 
 bool signal_matrix_get (const SignalMatrix& matrix, int source, int destination) noexcept

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 inline constexpr int kNumSignalSources = 8;
 inline constexpr int kNumSignalDests = 10;
@@ -65,8 +66,19 @@ enum class MatrixEdit
     feeding it, until the next prepareToPlay. Caller holds connectionLock. */
 MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination, bool on) noexcept;
 
-/** Clears all flags and the list. Caller holds connectionLock. */
-void signal_matrix_clear (SignalMatrix& matrix) noexcept;
+/** A crosspoint of the signal matrix, its numbers in range or not. */
+struct SignalPair
+{
+    std::int32_t source = 0;
+    std::int32_t destination = 0;
+};
+
+/** Puts another matrix's list and flags in the place of this one's; the node values stay. Copies of fixed
+    length and no more: the audio thread may be waiting. Caller holds connectionLock of matrix. */
+void signal_matrix_take (SignalMatrix& matrix, const SignalMatrix& other) noexcept;
+
+/** Whether a connection leads to destination. Caller holds connectionLock. */
+bool signal_matrix_has_source (const SignalMatrix& matrix, int destination) noexcept;
 
 /** Whether source is connected to destination; false out of range. Any thread, lock-free. */
 bool signal_matrix_get (const SignalMatrix& matrix, int source, int destination) noexcept;
