@@ -47,7 +47,16 @@ set(PLUGIN_SOURCES
     source/processor/VelkorAudioProcessor.cpp
     source/processor/plugin_entry.cpp
     source/processor/process_block.cpp
-    source/processor/zb_AudioProcessor.cpp)
+    source/processor/zb_AudioProcessor.cpp
+    source/state/document_guard.cpp
+    source/state/document_scanner.cpp
+    source/state/first_run_install.cpp
+    source/state/global_settings.cpp
+    source/state/name_cache.cpp
+    source/state/parameter_state.cpp
+    source/state/preset_document.cpp
+    source/state/state_carriers.cpp
+    source/state/whole_file.cpp)
 
 target_sources(Velkor PRIVATE ${PLUGIN_SOURCES})
 velkor_own_sources(${PLUGIN_SOURCES})
@@ -63,7 +72,7 @@ target_compile_definitions(Velkor PUBLIC
     JUCE_PLUGINHOST_VST3=1)             # for the host tests; the linker drops it from the plug-in
 
 target_link_libraries(Velkor
-    PRIVATE velkor_engine velkor_flags juce::juce_audio_utils
+    PRIVATE velkor_assets velkor_engine velkor_flags juce::juce_audio_utils
     PUBLIC velkor_codecs juce::juce_recommended_config_flags)
 
 if(TARGET Velkor_LV2)

@@ -2,6 +2,17 @@
 #include "processor/VelkorAudioProcessor.h"
 
 #include "parameters/build_parameters.h"
+#include "state/first_run_install.h"
+#include "state/global_settings.h"
+#include "state/preset_document.h"
+#include "state/state_carriers.h"
+
+#include <BinaryData.h>
+
+// Stored: never edit.
+static constexpr auto kStateTag = "VelkorSettings";
+static constexpr auto kUiWidth = "uiWidth";
+static constexpr auto kUiHeight = "uiHeight";
 
 VelkorAudioProcessor::VelkorAudioProcessor()
     : zb_AudioProcessor (BusesProperties()
@@ -14,7 +25,13 @@ VelkorAudioProcessor::VelkorAudioProcessor()
 
     linkSyncParameters (parameterTree);
     engine = std::make_unique<VelkorEngine>();
+    stateTag = kStateTag;
     presetName = "- Init -";
+
+    presetFolder = defaultPresetFolder();
+    installFirstRunContent (presetFolder, BinaryData::Presets_zip, BinaryData::Presets_zipSize);
+    loadDefaultPreset();
+    readGlobals();
 }
 
 VelkorAudioProcessor::~VelkorAudioProcessor()
@@ -45,17 +62,77 @@ void VelkorAudioProcessor::prepareToPlay (double sampleRate, int)
     engine_prepare (*engine, sampleRate);
 }
 
+// --- state ---------------------------------------------------------------------------------------------
+
 void VelkorAudioProcessor::getStateInformation (juce::MemoryBlock& destination)
 {
-    if (const auto xml = parameterTree.copyState().createXml())
-        copyXmlToBinary (*xml, destination);
+    juce::XmlElement document (stateTag);
+    saveStateToXML (document, juce::var());
+    document.setAttribute (kUiWidth, uiWidth);
+    document.setAttribute (kUiHeight, uiHeight);
+    copyXmlToBinary (document, destination);
 }
 
 void VelkorAudioProcessor::setStateInformation (const void* data, int sizeInBytes)
 {
-    if (const auto xml = getXmlFromBinary (data, sizeInBytes))
-        if (xml->hasTagName (parameterTree.state.getType()))
-            parameterTree.replaceState (juce::ValueTree::fromXml (*xml));
+    const auto document = readChunk (data, sizeInBytes);
+
+    if (document == nullptr)
+        return;
+
+    loadStateFromXML (document.get(), juce::var());
+    uiWidth = document->getIntAttribute (kUiWidth);
+    uiHeight = document->getIntAttribute (kUiHeight);
+}
+
+void VelkorAudioProcessor::saveStateToXML (juce::XmlElement& target, const juce::var&)
+{
+    target = *writePresetDocument (stateTag, presetName, parameterTree, *engine);
+}
+
+void VelkorAudioProcessor::loadStateFromXML (juce::XmlElement* document, const juce::var&)
+{
+    if (document == nullptr || ! isPresetDocument (*document, stateTag))
+        return;
+
+    presetName = readPresetName (*document);
+    readPresetParameters (*document, parameterTree);
+
+    if (engine != nullptr)
+        readPresetMatrices (*document, *engine);
+
+    // The store has cleared the history, under its own lock. What a synchronous listener has added since then
+    // can go without that lock only where nobody else is at it.
+    if (juce::MessageManager::existsAndIsCurrentThread())
+        undoManager.clearUndoHistory();
+
+    updateHostDisplay (stateChanged());
+}
+
+void VelkorAudioProcessor::loadDefaultPreset()
+{
+    if (const auto document = readDefaultPreset (presetFolder))
+        VelkorAudioProcessor::loadStateFromXML (document.get(), juce::var());
+}
+
+void VelkorAudioProcessor::readGlobals()
+{
+    GlobalSettings settings {
+        uiWidth, uiHeight, saveAudio, toolTips, animationPlayer, glowRenderer
+    };
+    readGlobalSettings (globalSettingsFile (presetFolder), settings);
+    uiWidth = settings.uiWidth;
+    uiHeight = settings.uiHeight;
+    saveAudio = settings.saveAudio;
+    toolTips = settings.toolTips;
+    animationPlayer = settings.animationPlayer;
+    glowRenderer = settings.glowRenderer;
+}
+
+void VelkorAudioProcessor::writeGlobals() const
+{
+    writeGlobalSettings (globalSettingsFile (presetFolder),
+                         { uiWidth, uiHeight, saveAudio, toolTips, animationPlayer, glowRenderer });
 }
 
 // --- matrices ------------------------------------------------------------------------------------------

@@ -41,8 +41,22 @@ public:
     void processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi) override;
     using juce::AudioProcessor::processBlock;
 
+    /** The document of the sound in one line, with the editor's size. Any thread but the audio thread. */
     void getStateInformation (juce::MemoryBlock& destination) override;
+
+    /** Loads what getStateInformation gave, and the editor's size with it, also out of a document that is
+        none of this product's; does nothing without a document. Any thread but the audio thread. */
     void setStateInformation (const void* data, int sizeInBytes) override;
+
+    /** Replaces name, parameters, matrices and undo history by those of a document; ignores one that has
+        another root or no parameters. Takes the store's lock, connectionLock and modLock, one after the
+        other. */
+    void loadStateFromXML (juce::XmlElement* document, const juce::var& context = {}) override;
+
+    void saveStateToXML (juce::XmlElement& target, const juce::var& context = {}) override;
+
+    /** Writes the settings of the machine; a failure isn't noticed. Message thread. */
+    void writeGlobals() const;
 
     /** Makes or breaks a connection of the signal matrix and tells the host. Message thread; takes
         connectionLock. */
@@ -59,6 +73,13 @@ public:
 
     juce::UndoManager undoManager;
     juce::AudioProcessorValueTreeState parameterTree;
+    juce::File presetFolder;  ///< factory and user presets
+    bool saveAudio = false;   ///< as in GlobalSettings, and so the next three
+    bool toolTips = true;
+    bool animationPlayer = true;
+    bool glowRenderer = true;
+    int uiWidth = 900;                     ///< the editor's, pixels
+    int uiHeight = 300;                    ///< the editor's, pixels
     std::unique_ptr<VelkorEngine> engine;  ///< deleted before the parameters go
     ParamPointers paramValues {};          ///< resolved once, in the constructor
 
@@ -66,6 +87,8 @@ public:
     std::atomic<bool> midiActivity { false };
 
 private:
+    void loadDefaultPreset();
+    void readGlobals();
     void takeMidi (const juce::MidiBuffer& midi) noexcept;
     Transport readTransport() const;
 

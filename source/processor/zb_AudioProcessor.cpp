@@ -1,6 +1,115 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "processor/zb_AudioProcessor.h"
 
+#include "state/document_guard.h"
+#include "state/name_cache.h"
+
 zb_AudioProcessor::zb_AudioProcessor (const BusesProperties& buses) : juce::AudioProcessor (buses)
 {
+}
+
+juce::AudioProcessorListener::ChangeDetails zb_AudioProcessor::stateChanged()
+{
+    return juce::AudioProcessorListener::ChangeDetails()
+        .withLatencyChanged (true)
+        .withParameterInfoChanged (true)
+        .withProgramChanged (true);
+}
+
+int zb_AudioProcessor::getNumPrograms()
+{
+    const juce::SpinLock::ScopedLockType lock (programListLock);
+    return juce::jmax (1, programList.size());
+}
+
+int zb_AudioProcessor::getCurrentProgram()
+{
+    const juce::SpinLock::ScopedLockType lock (programListLock);
+    return juce::jlimit (0, juce::jmax (1, programList.size()) - 1, currentProgram);
+}
+
+void zb_AudioProcessor::setCurrentProgram (int index)
+{
+    juce::File file;
+
+    {
+        const juce::SpinLock::ScopedLockType lock (programListLock);
+
+        if (! juce::isPositiveAndBelow (index, programList.size()))
+            return;
+
+        file = programList.getReference (index).file;
+    }
+
+    const auto document = parseDocument (file);
+
+    if (document == nullptr || ! hasTag (*document, stateTag))
+        return;
+
+    loadStateFromXML (document.get());
+    currentProgram = index;
+    updateHostDisplay (stateChanged());
+
+    if (auto* const editor = getActiveEditor())
+        editor->repaint();
+}
+
+/** The display name that a preset file tells, its file name if it tells none. The documents of the other
+    products of the frame keep it in other places, all of which are looked at. */
+static juce::String readDisplayName (const juce::File& file)
+{
+    const auto document = parseDocument (file);
+
+    if (document == nullptr)
+        return file.getFileNameWithoutExtension();
+
+    if (const auto* const pluginState = findChild (*document, "PluginState"))
+        if (const auto name = pluginState->getStringAttribute ("PresetName"); name.isNotEmpty())
+            return name;
+
+    const auto name = document->getStringAttribute (
+        document->hasAttribute ("presetName") ? "presetName" : "PresetName");
+    return name.isNotEmpty() ? name : file.getFileNameWithoutExtension();
+}
+
+const juce::String zb_AudioProcessor::getProgramName (int index)
+{
+    const juce::SpinLock::ScopedLockType lock (programListLock);
+
+    if (! juce::isPositiveAndBelow (index, programList.size()))
+        return presetName;
+
+    auto& row = programList.getReference (index);
+
+    if (! row.nameLoaded)
+    {
+        row.name = readDisplayName (row.file);
+        row.nameLoaded = true;
+    }
+
+    return row.name;
+}
+
+void zb_AudioProcessor::refreshProgramList()
+{
+    if (! programFolder.isDirectory())
+        return;
+
+    auto files = programFolder.findChildFiles (
+        juce::File::findFiles | juce::File::ignoreHiddenFiles, true, "*.zbpreset");
+    files.sort();
+
+    const auto names = readNameCache (programFolder);
+    juce::Array<PresetInfo> fresh;
+
+    for (const auto& file : files)
+    {
+        const auto path = file.getRelativePathFrom (programFolder).replaceCharacter ('\\', '/');
+        const auto found = names.find (path);
+        const auto name = found == names.end() ? juce::String() : found->second;
+        fresh.add ({ file, name, name.isNotEmpty() });
+    }
+
+    const juce::SpinLock::ScopedLockType lock (programListLock);
+    programList.swapWith (fresh);
 }

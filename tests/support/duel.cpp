@@ -33,6 +33,7 @@ static VelkorAudioProcessor atRate (double rate)
 
 Duel::Duel (double rateBefore) : product (atRate (rateBefore))
 {
+    useBareDefaults (product);
     globals.setRate (rateBefore);
     engine.emplace (globals);
     product.setPlayHead (&playHead);
@@ -123,6 +124,21 @@ void readValues (const VelkorAudioProcessor& processor, float (&values)[referenc
 {
     for (std::size_t i = 0; i < reference::kNumParams; ++i)
         values[i] = processor.paramValues[i]->load();
+}
+
+void useBareDefaults (VelkorAudioProcessor& processor)
+{
+    for (auto* parameter : processor.getParameters())
+        parameter->setValueNotifyingHost (parameter->getDefaultValue());
+
+    constexpr SignalPair kConnections[] = { { sourceInputL, destDelay1 },
+                                            { sourceInputR, destDelay2 },
+                                            { sourceDelay1, destFeedback1 },
+                                            { sourceDelay2, destFeedback2 },
+                                            { sourceDelay1, destOutput1 },
+                                            { sourceDelay2, destOutput2 } };
+    engine_replace_connections (*processor.engine, kConnections);
+    mod_router_replace (processor.engine->modulation, {});
 }
 
 void setParameter (VelkorAudioProcessor& processor, NumericalParamID id, float realValue)

@@ -60,6 +60,10 @@ void readValues (const VelkorAudioProcessor& processor, float (&values)[referenc
 /** Sets a parameter to a value in its own unit, as a host does. */
 void setParameter (VelkorAudioProcessor& processor, NumericalParamID id, float realValue);
 
+/** Takes back what the default preset of the machine has put into a new instance: the parameters get their
+    own defaults, the matrices those of a new engine. */
+void useBareDefaults (VelkorAudioProcessor& processor);
+
 /** White noise in -1..1 from a fixed generator, the same on every machine. */
 class Noise
 {

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include <juce_audio_processors/juce_audio_processors.h>
+
+#include <optional>
+
+/** The number that a value text says, as far as it is one: decimal digits with at most one point, an
+    exponent of up to six digits, or "inf"; blanks around it don't count. May be infinite, never NaN. Empty
+    for anything else, and for more than a hundred and some characters. Any thread. */
+std::optional<double> readValueText (const juce::String& text);
+
+/** The tree that a store may be given for a document's element of parameters. It has the store's type and
+    exact names, and exactly one child for each parameter of the store, with a legal value: of equal ids the
+    last counts, a number outside the range ends at the range's end, and what is no number or is missing is
+    the present value. Parameters that the document does not name stand at the end, in the store's own
+    order. What the store does not know is kept as it is, but for elements of another name that bear a
+    parameter's id: the store takes whatever bears one. Takes the store's lock. Any thread but the audio
+    thread. */
+juce::ValueTree completeParameters (const juce::XmlElement& parameters,
+                                    juce::AudioProcessorValueTreeState& store);
+
+/** A copy of the store's tree, all pending values written into it first, as AudioProcessorValueTreeState's
+    copyState; but a value that is no number, which a host can set, is the default in the copy. Takes the
+    store's lock. Any thread but the audio thread. */
+juce::ValueTree copyParameters (juce::AudioProcessorValueTreeState& store);

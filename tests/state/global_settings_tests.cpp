@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "state_fixture.h"
+
+#include <sys/stat.h>
+
+class GlobalSettingsFile : public StateTest
+{
+protected:
+    void expectDefaults (const VelkorAudioProcessor& p)
+    {
+        EXPECT_EQ (p.uiWidth, 900);
+        EXPECT_EQ (p.uiHeight, 300);
+        EXPECT_TRUE (p.toolTips && p.animationPlayer && p.glowRenderer);
+    }
+};
+
+TEST_F (GlobalSettingsFile, IsWrittenWithTheDefaultsByTheFirstInstance)
+{
+    expectDefaults (VelkorAudioProcessor());
+    EXPECT_EQ (
+        bytesOf (globals()),
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n\r\n"
+        "<VelkorGlobals uiWidth=\"900\" uiHeight=\"300\" toolTips=\"1\" animationPlayer=\"1\"\r\n"
+        "               glowRenderer=\"1\"/>\r\n");
+}
+
+TEST_F (GlobalSettingsFile, ReplacesAllDefaultsOnceItParsesWhateverItsRoot)
+{
+    putFile (globals(), "<VelkorGlobals/>");
+    {
+        const VelkorAudioProcessor p;
+        EXPECT_EQ (p.uiWidth, 0);
+        EXPECT_EQ (p.uiHeight, 0);
+        EXPECT_FALSE (p.toolTips || p.animationPlayer || p.glowRenderer || p.saveAudio);
+    }
+    EXPECT_EQ (bytesOf (globals()), "<VelkorGlobals/>");
+
+    putFile (globals(),
+             "<Anything uiWidth=\" 1200px\" uiHeight=\"x\" saveAudio=\"1\" toolTips=\"yes\" "
+             "animationPlayer=\"True\" glowRenderer=\"on\"/>");
+    VelkorAudioProcessor p;
+    EXPECT_EQ (p.uiWidth, 1200);
+    EXPECT_EQ (p.uiHeight, 0);
+    EXPECT_TRUE (p.saveAudio && p.toolTips && p.animationPlayer);
+    EXPECT_FALSE (p.glowRenderer);
+
+    p.uiHeight = 630;
+    p.writeGlobals();
+    EXPECT_EQ (
+        bytesOf (globals()),
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n\r\n"
+        "<VelkorGlobals uiWidth=\"1200\" uiHeight=\"630\" toolTips=\"1\" animationPlayer=\"1\"\r\n"
+        "               glowRenderer=\"0\"/>\r\n");
+}
+
+TEST_F (GlobalSettingsFile, ThatDoesNotParseLeavesTheDefaultsAndItself)
+{
+    for (const char* const text : { "not markup", "", "<VelkorGlobals uiWidth=\"5\"" })
+    {
+        putFile (globals(), text);
+        expectDefaults (VelkorAudioProcessor());
+        EXPECT_EQ (bytesOf (globals()), text);
+    }
+}
+
+TEST_F (GlobalSettingsFile, ThatIsNoRegularFileStopsNobody)
+{
+    ASSERT_TRUE (globals().createDirectory());
+    expectDefaults (VelkorAudioProcessor());
+    EXPECT_TRUE (globals().isDirectory());
+    EXPECT_EQ (globals().getParentDirectory().getNumberOfChildFiles (juce::File::findFiles), 0);
+
+    ASSERT_TRUE (globals().deleteRecursively());
+    ASSERT_EQ (mkfifo (globals().getFullPathName().toRawUTF8(), 0600), 0);
+    expectDefaults (VelkorAudioProcessor());
+}
+
+TEST_F (GlobalSettingsFile, IsNotMissedWhereNothingCanBeWritten)
+{
+    putFile (homeFile ("Music"), "a file where the folder should be");
+    const VelkorAudioProcessor p;
+    expectDefaults (p);
+    p.writeGlobals();
+    EXPECT_EQ (p.presetName, "- Init -");
+}

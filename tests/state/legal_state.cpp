@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "legal_state.h"
+
+#include "state/parameter_state.h"
+
+#include <cmath>
+#include <map>
+
+static std::string faultOfParameters (VelkorAudioProcessor& processor)
+{
+    const auto tree = processor.parameterTree.copyState();
+    std::map<juce::String, int> counts;
+    std::map<juce::String, juce::ValueTree> params;
+
+    if (tree.getType() != juce::Identifier ("Parameters"))
+        return "tree type";
+
+    for (const auto& child : tree)
+        if (child.hasType ("PARAM"))
+        {
+            const auto id = child["id"].toString();
+            ++counts[id];
+            params[id] = child;
+        }
+
+    for (const auto& info : parameterInfo)
+    {
+        const auto& range =
+            processor.parameterTree.getParameter (info.name)->getNormalisableRange();
+        const float value = processor.parameterTree.getRawParameterValue (info.name)->load();
+        const auto number = readValueText (params[info.name]["value"].toString());
+
+        if (! (value >= range.start && value <= range.end))
+            return std::string ("value of ") + info.name;
+
+        if (counts[info.name] != 1)
+            return std::string ("not once in the tree: ") + info.name;
+
+        if (! number || std::abs (*number - static_cast<double> (value)) >
+                            0.5 + 1e-4 * std::abs (*number))  // choices and switches are rounded
+            return std::string ("text of ") + info.name;
+    }
+
+    return {};
+}
+
+static std::string faultOfMatrices (const VelkorAudioProcessor& processor)
+{
+    const auto& signal = processor.engine->signal;
+    int flags = 0;
+
+    for (const bool flag : signal.connected)
+        flags += flag ? 1 : 0;
+
+    if (flags != signal.connectionCount)
+        return "connections";
+
+    for (std::size_t i = 0; i < static_cast<std::size_t> (signal.connectionCount); ++i)
+        if (! signal_matrix_get (signal, signal.connSource[i], signal.connDest[i]))
+            return "a connection without its flag";
+
+    const auto& modulation = processor.engine->modulation;
+    flags = 0;
+
+    for (const bool flag : modulation.modGrid)
+        flags += flag ? 1 : 0;
+
+    if (flags != modulation.router.routes.size())
+        return "routes";
+
+    for (const auto* route : modulation.router.routes)
+        if (! mod_router_get (modulation, route->source, route->dest))
+            return "a route without its flag";
+
+    return {};
+}
+
+static std::string faultOfSound (VelkorAudioProcessor& processor)
+{
+    juce::AudioBuffer<float> buffer (2, 64);
+    juce::MidiBuffer midi;
+    buffer.clear();
+    buffer.setSample (0, 0, 1.0f);
+    buffer.setSample (1, 9, -1.0f);
+    processor.processBlock (buffer, midi);
+
+    for (int channel = 0; channel < 2; ++channel)
+        for (int n = 0; n < 64; ++n)
+            if (! (std::abs (buffer.getSample (channel, n)) <= 1.0f))
+                return "sound";
+
+    return {};
+}
+
+static std::string faultOfReturn (VelkorAudioProcessor& processor)
+{
+    juce::MemoryBlock saved, again;
+    processor.getStateInformation (saved);
+    processor.setStateInformation (saved.getData(), static_cast<int> (saved.getSize()));
+    processor.getStateInformation (again);
+    return saved == again ? std::string() : "state does not come back";
+}
+
+std::string faultOf (VelkorAudioProcessor& processor)
+{
+    for (auto* check : { faultOfParameters, faultOfSound, faultOfReturn })
+        if (auto fault = check (processor); ! fault.empty())
+            return fault;
+
+    return faultOfMatrices (processor);
+}

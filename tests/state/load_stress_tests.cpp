@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "legal_state.h"
+#include "state/state_carriers.h"
+#include "state_fixture.h"
+#include "support/duel.h"
+
+#include <atomic>
+#include <cmath>
+#include <thread>
+
+class LoadStress : public StateTest
+{
+};
+
+TEST_F (LoadStress, LoadingAndSavingInALoopBesideAudioLeavesTheLastDocument)
+{
+    VelkorAudioProcessor processor;
+    processor.prepareToPlay (48000.0, 128);
+    std::atomic<bool> stop { false };
+    std::atomic<int> blocks { 0 };
+    std::atomic<bool> allFinite { true };
+
+    std::thread audio (
+        [&]
+        {
+            juce::AudioBuffer<float> buffer (2, 128);
+            juce::MidiBuffer midi;
+            Noise noise (8);
+
+            while (! stop)
+            {
+                for (int channel = 0; channel < 2; ++channel)
+                    for (int n = 0; n < 128; ++n)
+                        buffer.setSample (channel, n, noise());
+
+                processor.processBlock (buffer, midi);
+
+                if (! std::isfinite (buffer.getSample (1, 100)))
+                    allFinite = false;
+
+                ++blocks;
+            }
+        });
+
+    const juce::String documents[] = { juce::String (keptDocument ("six_decimals.zbpreset")),
+                                       juce::String (keptDocument ("mixed_forms.zbpreset")),
+                                       juce::String (keptDocument ("default_saved.zbpreset")) };
+    juce::MemoryBlock chunk;
+
+    for (int i = 0; i < 1500 || blocks < 200 || i % 3 != 0; ++i)
+    {
+        setStateFromText (processor, documents[i % 3]);
+
+        if (i % 7 == 0)
+        {
+            processor.getStateInformation (chunk);
+            processor.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
+        }
+    }
+
+    stop = true;
+    audio.join();
+    EXPECT_TRUE (allFinite);
+    EXPECT_EQ (processor.presetName, "Default");
+    EXPECT_EQ (connectionList (processor).size(), 4u);
+    EXPECT_TRUE (routeList (processor).empty());
+    EXPECT_EQ (faultOf (processor), "");
+}
