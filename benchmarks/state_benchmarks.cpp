@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "processor/VelkorAudioProcessor.h"
+#include "state/first_run_install.h"
+#include "state/state_carriers.h"
+
+#include <algorithm>
+#include <atomic>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <thread>
+#include <vector>
+
+// What a session, a preset and an instance cost a host. The program's home is a temporary one.
+
+using Clock = std::chrono::steady_clock;
+
+static double microsecondsSince (Clock::time_point start)
+{
+    return std::chrono::duration<double, std::micro> (Clock::now() - start).count();
+}
+
+/** The document of a sound that has every parameter in a place of its own, and every crosspoint set if asked
+    for: the longest that there is. */
+static juce::String documentWith (bool everyCrosspoint, float place)
+{
+    VelkorAudioProcessor processor;
+
+    for (auto* parameter : processor.getParameters())
+        parameter->setValueNotifyingHost (place);
+
+    for (int source = 0; source < kNumSignalSources && everyCrosspoint; ++source)
+        for (int destination = 0; destination < kNumSignalDests; ++destination)
+            processor.setSignalConnection (source, destination, true);
+
+    for (int source = 0; source < kNumModSources && everyCrosspoint; ++source)
+        for (int dest = 0; dest < kNumModDests; ++dest)
+            processor.setModConnection (source, dest, true);
+
+    juce::String text;
+    getStateAsText (processor, text);
+    return text;
+}
+
+static void loadDocument (benchmark::State& state)
+{
+    VelkorAudioProcessor processor;
+    const bool full = state.range (0) != 0;
+    const juce::String texts[] = { documentWith (full, 0.3f), documentWith (full, 0.7f) };
+    std::size_t turn = 0;
+
+    for (auto _ : state)
+        setStateFromText (processor,
+                          texts[turn++ % 2]);  // so that every parameter moves every time
+
+    state.SetLabel (full ? "every crosspoint" : "the default's connections");
+}
+
+static void saveDocument (benchmark::State& state)
+{
+    VelkorAudioProcessor processor;
+    setStateFromText (processor, documentWith (state.range (0) != 0, 0.3f));
+    juce::MemoryBlock chunk;
+
+    for (auto _ : state)
+    {
+        processor.getStateInformation (chunk);
+        benchmark::DoNotOptimize (chunk.getData());
+    }
+
+    state.counters["bytes"] = static_cast<double> (chunk.getSize());
+}
+
+static void saveFile (benchmark::State& state)
+{
+    VelkorAudioProcessor processor;
+    const auto file = processor.presetFolder.getChildFile ("User/Benchmark.zbpreset");
+
+    for (auto _ : state)
+        if (! saveStateToFile (processor, file))
+            state.SkipWithError ("cannot write");
+}
+
+static void constructFirst (benchmark::State& state)
+{
+    for (auto _ : state)
+    {
+        state.PauseTiming();
+        defaultPresetFolder().getParentDirectory().deleteRecursively();
+        state.ResumeTiming();
+        const VelkorAudioProcessor processor;
+    }
+}
+
+static void constructLater (benchmark::State& state)
+{
+    const VelkorAudioProcessor first;
+
+    for (auto _ : state)
+        const VelkorAudioProcessor processor;
+}
+
+/** Watches a lock from another thread, at a look every few dozen nanoseconds, and notes how long it stays
+    taken. What the system does to the thread that holds it is part of that, as it would be for the audio
+    thread. */
+static std::vector<double> watchHolds (const juce::SpinLock& lock, const std::atomic<bool>& stop)
+{
+    std::vector<double> holds;
+
+    while (! stop)
+    {
+        if (lock.tryEnter())
+        {
+            lock.exit();
+            continue;
+        }
+
+        const auto start = Clock::now();
+
+        while (! lock.tryEnter())
+        {
+        }
+
+        holds.push_back (microsecondsSince (start));
+        lock.exit();
+    }
+
+    return holds;
+}
+
+static void longestHold (benchmark::State& state)
+{
+    VelkorAudioProcessor processor;
+    const juce::String texts[] = { documentWith (true, 0.3f), documentWith (true, 0.7f) };
+    const auto& lock = state.range (0) == 0 ? processor.engine->signal.connectionLock
+                                            : processor.engine->modulation.modLock;
+    std::atomic<bool> stop { false };
+    std::vector<double> holds;
+    std::thread watcher ([&] { holds = watchHolds (lock, stop); });
+    std::size_t turn = 0;
+
+    for (auto _ : state)
+        setStateFromText (processor, texts[turn++ % 2]);
+
+    stop = true;
+    watcher.join();
+    std::sort (holds.begin(), holds.end());
+    state.SetLabel (state.range (0) == 0 ? "connectionLock" : "modLock");
+
+    if (! holds.empty())
+    {
+        state.counters["seen"] = static_cast<double> (holds.size());
+        state.counters["median_us"] = holds[holds.size() / 2];
+        state.counters["p99_us"] = holds[holds.size() * 99 / 100];
+        state.counters["longest_us"] = holds.back();
+    }
+}
+
+BENCHMARK (loadDocument)->Arg (0)->Arg (1)->Unit (benchmark::kMicrosecond);
+BENCHMARK (saveDocument)->Arg (0)->Arg (1)->Unit (benchmark::kMicrosecond);
+BENCHMARK (saveFile)->Unit (benchmark::kMicrosecond);
+BENCHMARK (constructFirst)->Unit (benchmark::kMillisecond)->Iterations (20);
+BENCHMARK (constructLater)->Unit (benchmark::kMillisecond);
+BENCHMARK (longestHold)->Arg (0)->Arg (1)->Unit (benchmark::kMicrosecond)->Iterations (5000);
