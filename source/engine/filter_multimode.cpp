@@ -68,7 +68,6 @@ void filter_multimode_set_response (FilterMultimode& filter, float reso, float m
 void filter_multimode_connect (FilterMultimode& filter, bool isConnected) noexcept
 {
     filter.active = isConnected ? 1 : 0;
-    setDamp (filter);
 }
 
 void filter_multimode_clear (FilterMultimode& filter) noexcept

@@ -6,7 +6,7 @@
 
 /** A state-variable filter, run twice per sample in double precision. Its output morphs from notch over
     lowpass and bandpass to highpass and goes through a soft limiter. Zero-initialise, call
-    filter_multimode_init once; the audio thread's, but for damp and active (see filter_multimode_connect). */
+    filter_multimode_init once; the audio thread's, but for active (see filter_multimode_connect). */
 struct FilterMultimode
 {
     float freq = 1000.0f;   ///< cut-off in hertz, modulation included
@@ -35,14 +35,16 @@ void filter_multimode_init (FilterMultimode& filter) noexcept;
     0.25, a cut-off of about 0.08 of the sample rate: that is the filter's range. */
 void setCoef (FilterMultimode& filter, float freq) noexcept;
 
-/** Recomputes the damping from coef and q. Audio thread, or with connectionLock held. */
+/** Recomputes the damping from coef and resoDamp. Audio thread. */
 void setDamp (FilterMultimode& filter) noexcept;
 
 /** Resonance 0 to 10 and morph position 0 to 1 of the coming block: notch at 0, lowpass at 1/3, bandpass at
     2/3, highpass at 1, straight lines between. Audio thread, once per block. */
 void filter_multimode_set_response (FilterMultimode& filter, float reso, float mode) noexcept;
 
-/** Records whether a connection leads here, and recomputes the damping. Caller holds connectionLock. */
+/** Records whether a connection leads here. The damping that goes with it is the audio thread's to recompute:
+    it does so at every tick, before any sample, from the coefficient and resonance in hand, so that to do it
+    here as well would change nothing and race. Caller holds connectionLock. */
 void filter_multimode_connect (FilterMultimode& filter, bool isConnected) noexcept;
 
 /** Zeroes state, outputs and damping; the next block's set-up brings the damping back. */
