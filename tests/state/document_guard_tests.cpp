@@ -169,9 +169,26 @@ TEST_F (DocumentGuard, ReadsOtherEncodingsAndRefusesWhatIsNone)
         EXPECT_EQ (document->getStringAttribute ("b"), wanted) << bytes;
     }
 
-    // A character that begins and doesn't end, at the end of the text; half a character pair.
-    EXPECT_EQ (parse ("<a b=\"\xf0"sv), nullptr);
-    EXPECT_EQ (parse ("\xff\xfe<\0a\0 \0b\0=\0\"\0\x3d\xd8\"\0/\0>\0"sv), nullptr);
+    // Characters without an end, overlong, half of a pair, out of range: some would swallow what follows.
+    // Where the bytes can't be UTF-8 by the framework's lights either, they are read as Western.
+    for (const auto bytes :
+         { "<a b=\"\xf0"sv, "<a b=\"\xc3\"/>"sv, "<a>\xc3</a>"sv, "<a><?\xc3?><b/></a>"sv,
+           "<a>\xdf"sv, "\xff\xfe<\0a\0 \0b\0=\0\"\0\x3d\xd8\"\0/\0>\0"sv })
+        EXPECT_EQ (parse (bytes), nullptr) << bytes;
+
+    const char* const kIllFormed[] = { "<a>\xc1\xbf</a>",         "<a>\xe0\x9f\xbf</a>",
+                                       "<a>\xed\xa0\x80</a>",     "<a>\xf0\x8f\xbf\xbf</a>",
+                                       "<a>\xf4\x90\x80\x80</a>", "<a>\x80</a>",
+                                       "<a>\xe2\x82</a>" };
+
+    for (const char* const text : kIllFormed)
+        EXPECT_EQ (parseDocument (juce::String (juce::CharPointer_UTF8 (text),
+                                                juce::CharPointer_UTF8 (text + strlen (text)))),
+                   nullptr)
+            << text;
+
+    EXPECT_NE (parse ("<a>\xdf\xbf\xe0\xa0\x80\xed\x9f\xbf\xf0\x90\x80\x80\xf4\x8f\xbf\xbf</a>"sv),
+               nullptr);
     EXPECT_NE (parse ("<a/>\0<a"sv), nullptr);
     EXPECT_EQ (parse ("<a\0/>"sv), nullptr);
 }

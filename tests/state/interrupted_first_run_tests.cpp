@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "first_run_fixture.h"
 
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 /** A process of the program beside this one, in this test's home. */
@@ -68,11 +70,15 @@ TEST_F (InterruptedFirstRun, KilledAtAnyMomentLeavesWholeFilesAndTheNextOneCompl
     const auto archive = archiveFile().getFullPathName().toStdString();
     int killed = 0, unfinished = 0;
 
-    for (int round = 0; round < 40; ++round)
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ (await (startProcess ({ archive })), 0);
+    const auto whole = std::chrono::steady_clock::now() - start;
+
+    for (int round = 0; round < 60; ++round)
     {
         homeFile ("Music").deleteRecursively();
         const auto process = startProcess ({ archive });
-        usleep (static_cast<useconds_t> (500 * round));
+        std::this_thread::sleep_for (whole * round / 60);
         kill (process, SIGKILL);
         killed += await (process) == -1 ? 1 : 0;
 
