@@ -131,12 +131,11 @@ void useBareDefaults (VelkorAudioProcessor& processor)
     for (auto* parameter : processor.getParameters())
         parameter->setValueNotifyingHost (parameter->getDefaultValue());
 
-    constexpr SignalPair kConnections[] = { { sourceInputL, destDelay1 },
-                                            { sourceInputR, destDelay2 },
-                                            { sourceDelay1, destFeedback1 },
-                                            { sourceDelay2, destFeedback2 },
-                                            { sourceDelay1, destOutput1 },
-                                            { sourceDelay2, destOutput2 } };
+    constexpr SignalPair kConnections[] = {
+        { sourceInputL, destDelay1 },    { sourceInputR, destDelay2 },
+        { sourceDelay1, destFeedback1 }, { sourceDelay2, destFeedback2 },
+        { sourceDelay1, destOutput1 },   { sourceDelay2, destOutput2 }
+    };
     engine_replace_connections (*processor.engine, kConnections);
     mod_router_replace (processor.engine->modulation, {});
 }
