@@ -48,12 +48,6 @@ void drop (juce::MidiBuffer& midi, Claim&& claim)
 
 TEST_F (SessionTest, NeedsEachParameterNotesWheelAndTransport)
 {
-    DirectPlayer player;
-    player.load (session.state);
-
-    if (! player.processor.getModConnection (modSourceNote, modDestPan2))
-        GTEST_SKIP() << "the state keeps no wiring";
-
     for (int number = 0; number < kNumParameters; ++number)
     {
         const auto without = [number] (SessionBlock& block)

@@ -6,6 +6,7 @@
 #include <memory>
 #include <numbers>
 #include <sys/wait.h>
+#include <tuple>
 
 namespace
 {
@@ -77,7 +78,7 @@ Outcome RenderTest::run (const Words& arguments, const std::string& setUp) const
 
 Outcome RenderTest::render (const Words& arguments) const
 {
-    const auto result = run (arguments);
+    auto result = run (arguments);
     EXPECT_EQ (result.exitCode, 0);
     EXPECT_EQ (result.err, "");
     return result;
@@ -92,7 +93,7 @@ void RenderTest::write (const std::string& name, const juce::AudioBuffer<float>&
     const std::unique_ptr<juce::AudioFormatWriter> writer (format->createWriterFor (
         stream.get(), rate, static_cast<unsigned> (samples.getNumChannels()), bits, {}, 5));
     ASSERT_NE (writer, nullptr) << name;
-    stream.release();
+    std::ignore = stream.release();  // the writer has taken it
 
     if (writer->isFloatingPoint())
     {
@@ -111,6 +112,8 @@ void RenderTest::write (const std::string& name, const juce::AudioBuffer<float>&
         for (int i = 0; i < samples.getNumSamples(); ++i)
             steps.push_back (static_cast<int> (samples.getSample (channel, i) * 2147483648.0));
     }
+
+    channels.reserve (integers.size() + 1);
 
     for (const auto& steps : integers)
         channels.push_back (steps.data());
@@ -185,8 +188,9 @@ Words operator+ (Words a, const Words& b)
 
 Words emptyPatch()
 {
-    return { "--disconnect", "all",   "--unroute",   "all",   "--set",   "Dry Level=0", "--set",
-             "Pan 1=0",      "--set", "Wet Level=1", "--set", "Pan 2=0", "--bits",      "32" };
+    return { "--disconnect", "all",           "--unroute", "all",         "--set", "Dry Level=0",
+             "--set",        "Pan 1=0",       "--set",     "Wet Level=1", "--set", "Pan 2=0",
+             "--set",        "Input Level=1", "--bits",    "32" };
 }
 
 Words oneDelay()

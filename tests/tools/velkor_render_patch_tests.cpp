@@ -22,6 +22,23 @@ juce::var rowOf (const juce::var& list, const char* id)
     ADD_FAILURE() << "no row " << id;
     return {};
 }
+std::string pairOf (const std::string& source, const std::string& dest)
+{
+    return source + " > " + dest;
+}
+
+/** A preset document with a cable and a route, by their numbers. */
+juce::String presetWith (int input, int output, int source, int dest)
+{
+    return juce::String ("<VelkorSettings><Parameters/>"
+                         "<SignalMatrix><Connection input=\"I\" output=\"O\"/></SignalMatrix>"
+                         "<ModMatrix><Connection source=\"S\" dest=\"D\"/></ModMatrix>"
+                         "</VelkorSettings>")
+        .replace ("\"I\"", juce::String (input).quoted())
+        .replace ("\"O\"", juce::String (output).quoted())
+        .replace ("\"S\"", juce::String (source).quoted())
+        .replace ("\"D\"", juce::String (dest).quoted());
+}
 }  // namespace
 
 class RenderPatch : public RenderTest
@@ -122,9 +139,8 @@ TEST_F (RenderPatch, CablesGoWhereTheirNamesSay)
     EXPECT_EQ (read ("o.wav").framesAbove (0.1f, 1), Frames { 1001 });
 }
 
-TEST_F (RenderPatch, ANodeThatNothingWasPatchedToIsNotTheOtherOne)
+TEST_F (RenderPatch, NodeNamesStandForTheNumbersThatPresetsStore)
 {
-    // By the numbers that preset documents store.
     const Words sources = { "Input L",  "Input R",  "Delay 1",      "Delay 2",
                             "Filter 1", "Filter 2", "Saturation 1", "Saturation 2" };
     const Words dests = { "Delay 1",  "Delay 2",  "Delay 1 feedback", "Delay 2 feedback",
@@ -137,16 +153,10 @@ TEST_F (RenderPatch, ANodeThatNothingWasPatchedToIsNotTheOtherOne)
 
     for (std::size_t i = 0; i < dests.size(); ++i)
     {
-        const auto number = std::to_string (i);
-        const auto input = std::to_string (i % sources.size());
-        const auto modSource = std::to_string (i % modSources.size());
-        file ("p.zbpreset")
-            .replaceWithText ("<VelkorSettings><Parameters/><SignalMatrix><Connection input=\"" +
-                              input + "\" output=\"" + number +
-                              "\"/></SignalMatrix><ModMatrix><Connection source=\"" + modSource +
-                              "\" dest=\"" + number + "\"/></ModMatrix></VelkorSettings>");
-        const auto cable = sources[i % sources.size()] + " > " + dests[i];
-        const auto route = modSources[i % modSources.size()] + " > " + modDests[i];
+        const auto number = static_cast<int> (i);
+        file ("p.zbpreset").replaceWithText (presetWith (number % 8, number, number % 6, number));
+        const auto cable = pairOf (sources[i % 8], dests[i]);
+        const auto route = pairOf (modSources[i % 6], modDests[i]);
         const Words ways[] = { { "--preset", "p.zbpreset" },
                                { "--disconnect", "all", "--unroute", "all", "--connect", cable,
                                  "--route", route } };

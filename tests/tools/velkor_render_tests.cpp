@@ -9,7 +9,8 @@
 
 namespace
 {
-const Words kDryOnly = { "--disconnect", "all", "--set", "Dry Level=1", "--tail", "0" };
+const Words kDryOnly = { "--disconnect", "all",           "--set",  "Dry Level=1",
+                         "--set",        "Input Level=1", "--tail", "0" };
 
 /** Noise whose values are whole 16-bit steps, so that all formats hold it exactly. */
 juce::AudioBuffer<float> gridNoise (int channels, int length)

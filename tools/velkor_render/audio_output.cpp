@@ -9,6 +9,7 @@
 #include <cmath>
 #include <random>
 #include <system_error>
+#include <tuple>
 
 namespace fs = std::filesystem;
 
@@ -109,7 +110,7 @@ AudioOutput::AudioOutput (fs::path place, AudioFileType type, double rate, int b
         fail (destination.string() + ": this format can't hold " + std::to_string (bits) +
               " bits at " + numberText (rate) + " Hz");
 
-    stream.release();  // the writer has taken it
+    std::ignore = stream.release();  // the writer has taken it
 }
 
 AudioOutput::~AudioOutput() = default;

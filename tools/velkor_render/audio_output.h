@@ -45,7 +45,7 @@ private:
     struct TemporaryFile
     {
         ~TemporaryFile();
-        std::filesystem::path path;
+        std::filesystem::path path;  ///< empty: there is none
     };
 
     [[noreturn]] void failToWrite() const;

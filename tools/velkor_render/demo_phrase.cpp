@@ -162,7 +162,7 @@ void addDrums (Mixer& mixer, Hiss hiss, double step)
 {
     for (int bar = 0; bar < kBars; ++bar)
     {
-        const auto levelAt = [bar] (const char* pattern, int i)
+        const auto levelAt = [] (const char* pattern, int i)
         {
             const char hit = pattern[i < 8 ? i : i + 2];  // two blanks between the halves
             return hit == 'x' ? 1.0 : (hit == '-' ? 0.45 : 0.0);

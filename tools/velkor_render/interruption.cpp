@@ -19,6 +19,11 @@ void catchInterruptions()
 {
     std::signal (SIGINT, keepSignal);
     std::signal (SIGTERM, keepSignal);
+
+#ifndef _WIN32
+    std::signal (SIGHUP, keepSignal);
+    std::signal (SIGPIPE, keepSignal);  // "velkor-render ... | head"
+#endif
 }
 
 void throwIfInterrupted()

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
-/** From here on, Ctrl-C and a request to terminate are kept for throwIfInterrupted, so that temporary
-    files get cleared away. */
+/** From here on, Ctrl-C, a request to terminate, a closed terminal or a closed pipe are kept for
+    throwIfInterrupted, so that temporary files get cleared away. */
 void catchInterruptions();
 
 /** Fails if the user asked for an end. Call it once in a while. */

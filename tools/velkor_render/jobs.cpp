@@ -82,7 +82,7 @@ void checkAgainstInputs (const Job& job, const Options& options)
 
 std::vector<Job> planJobs (const Options& options)
 {
-    const auto jobs =
+    auto jobs =
         isFolder (options.output) ? jobsForFolder (options) : std::vector { jobForFile (options) };
     std::set<fs::path> outputs;
 

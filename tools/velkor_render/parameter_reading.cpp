@@ -46,7 +46,7 @@ std::string rangeText (const juce::RangedAudioParameter& parameter)
     if (! words.isEmpty())
         return words.joinIntoString (", ").toStdString();
 
-    const auto range = parameter.getNormalisableRange();
+    const auto& range = parameter.getNormalisableRange();
     const std::string unit = unitName (rawUnitOf (parameter));
 
     if (rawUnitOf (parameter) == RawUnit::gain)
@@ -220,7 +220,7 @@ float readParameterText (const juce::RangedAudioParameter& parameter, const std:
     if (! value || (hasWords && *value != std::floor (*value)))
         refuse (parameter, text);
 
-    const auto range = parameter.getNormalisableRange();
+    const auto& range = parameter.getNormalisableRange();
     const auto raw = static_cast<float> (*value);
 
     if (raw < range.start || raw > range.end)

@@ -118,6 +118,7 @@ Setting readSetting (const VelkorAudioProcessor& processor, const std::string& w
 void applySettings (VelkorAudioProcessor& processor, const std::vector<std::string>& written)
 {
     std::vector<Setting> settings;
+    settings.reserve (written.size());
 
     for (const auto& each : written)
         settings.push_back (readSetting (processor, each));

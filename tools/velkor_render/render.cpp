@@ -36,7 +36,7 @@ public:
         return info;
     }
 
-    juce::int64 frame = 0;
+    juce::int64 frame = 0;  ///< the first one of the next block
 
 private:
     double tempo, rate;

@@ -94,7 +94,7 @@ float defaultOf (const juce::RangedAudioParameter& parameter)
 std::string rangeColumn (const juce::RangedAudioParameter& parameter)
 {
     const auto words = wordsOf (parameter);
-    const auto range = parameter.getNormalisableRange();
+    const auto& range = parameter.getNormalisableRange();
     return words.isEmpty() ? numberText (range.start) + " to " + numberText (range.end)
                            : words.joinIntoString (", ").toStdString();
 }
@@ -131,7 +131,7 @@ std::string parameterJson (const VelkorAudioProcessor& processor)
     for (std::size_t i = 0; i < parameterInfo.size(); ++i)
     {
         const auto& parameter = parameterAt (processor, i);
-        const auto range = parameter.getNormalisableRange();
+        const auto& range = parameter.getNormalisableRange();
         auto row = jsonObject ({ { "id", parameterInfo[i].name },
                                  { "min", range.start },
                                  { "max", range.end },
