@@ -64,7 +64,7 @@ static juce::String readDisplayName (const juce::File& file)
         return file.getFileNameWithoutExtension();
 
     if (const auto* const pluginState = findChild (*document, "PluginState"))
-        if (const auto name = pluginState->getStringAttribute ("PresetName"); name.isNotEmpty())
+        if (auto name = pluginState->getStringAttribute ("PresetName"); name.isNotEmpty())
             return name;
 
     const auto name = document->getStringAttribute (

@@ -8,7 +8,7 @@
 /** The path in the standard library's terms, whatever the encoding of the system's paths. */
 static std::filesystem::path pathOf (const juce::File& file)
 {
-    const auto text = file.getFullPathName();
+    const auto& text = file.getFullPathName();
     const auto* begin = reinterpret_cast<const char8_t*> (text.toRawUTF8());
     return std::filesystem::path (begin, begin + text.getNumBytesAsUTF8());
 }

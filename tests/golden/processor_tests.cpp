@@ -259,7 +259,8 @@ TEST (Processor, AStaticPatchSoundsTheSameAtEveryBlockLengthThatKeepsTheTicksWho
 TEST (Processor, AcceptsStereoInWithStereoOrMonoOutAndNothingElse)
 {
     VelkorAudioProcessor processor;
-    const auto accepts = [&processor] (juce::AudioChannelSet in, juce::AudioChannelSet out)
+    const auto accepts =
+        [&processor] (const juce::AudioChannelSet& in, const juce::AudioChannelSet& out)
     {
         juce::AudioProcessor::BusesLayout layout;
         layout.inputBuses.add (in);

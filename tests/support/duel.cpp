@@ -93,7 +93,7 @@ bool Duel::process (std::vector<float>& left, std::vector<float>& right, int cha
     const auto numSamples = static_cast<int> (left.size());
 
     float* pointers[] = { left.data(), right.data() };
-    juce::AudioBuffer<float> buffer (pointers, channels, numSamples);
+    juce::AudioBuffer<float> buffer (pointers, channels > 1 ? 2 : 1, numSamples);
     product.processBlock (buffer, events);
     events.clear();
     eventPlace = 0;
