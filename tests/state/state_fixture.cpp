@@ -120,7 +120,13 @@ void HostListener::audioProcessorChanged (juce::AudioProcessor*, const ChangeDet
     last = details;
 }
 
-StateTest::StateTest() : homeBefore (getenv ("HOME"))
+static std::string homeOfNow()
+{
+    const char* const home = getenv ("HOME");
+    return home != nullptr ? home : "";
+}
+
+StateTest::StateTest() : homeBefore (homeOfNow())
 {
     // The framework reads HOME at each question for the home folder, so a change of it counts at once.
 }

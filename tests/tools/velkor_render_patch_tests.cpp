@@ -15,9 +15,9 @@ juce::var parse (const std::string& json)
 /** The row of a parameter in the list. */
 juce::var rowOf (const juce::var& list, const char* id)
 {
-    for (const auto& row : *list.getArray())
-        if (row["id"] == juce::var (id))
-            return row;
+    for (int i = 0; i < list.size(); ++i)
+        if (list[i]["id"] == juce::var (id))
+            return list[i];
 
     ADD_FAILURE() << "no row " << id;
     return {};

@@ -199,8 +199,10 @@ TEST_F (RenderFiles, TheReportIsJsonAndTrue)
     EXPECT_NEAR (static_cast<double> (job["rmsDbfs"][0]), -36.0206, 1e-4);  // 30 dB: one of 1000
     const auto& settings = report["settings"];
     EXPECT_EQ (static_cast<double> (settings["tempo"]), 90.0);
+    ASSERT_NE (settings["parameters"].getDynamicObject(), nullptr);
     EXPECT_EQ (settings["parameters"].getDynamicObject()->getProperties().size(), 57);
     EXPECT_EQ (juce::JSON::toString (settings["connections"], true), "[\"Input R > Filter 2\"]");
+    ASSERT_NE (settings["routes"].getArray(), nullptr);
     EXPECT_TRUE (settings["routes"].getArray()->contains ("Wheel > Pan 2"));
 }
 
