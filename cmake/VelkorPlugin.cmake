@@ -59,7 +59,7 @@ set(PLUGIN_SOURCES
     source/state/whole_file.cpp)
 
 target_sources(Velkor PRIVATE ${PLUGIN_SOURCES})
-velkor_own_sources(${PLUGIN_SOURCES})
+velkor_juce_sources(${PLUGIN_SOURCES})
 
 target_compile_definitions(Velkor PUBLIC
     JUCE_WEB_BROWSER=0
@@ -67,6 +67,7 @@ target_compile_definitions(Velkor PUBLIC
     JUCE_LOAD_CURL_SYMBOLS_LAZILY=1     # https without a hard dependency of the bundle
     JUCE_MODAL_LOOPS_PERMITTED=1
     JUCE_VST3_CAN_REPLACE_VST2=0
+    JUCE_DISABLE_JUCE_VERSION_PRINTING=1    # debug builds would greet on stderr
     JUCE_DISPLAY_SPLASH_SCREEN=0
     JUCE_REPORT_APP_USAGE=0
     JUCE_PLUGINHOST_VST3=1)             # for the host tests; the linker drops it from the plug-in

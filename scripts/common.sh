@@ -6,6 +6,9 @@ export VELKOR_JUCE_DIR="${VELKOR_JUCE_DIR:-}"
 # The cache lives in the tree: building writes nothing into anybody's home.
 export CCACHE_DIR="${CCACHE_DIR:-$PWD/.deps/ccache}"
 
+# What one working copy compiled of the framework serves the next, if they share a cache.
+export CCACHE_BASEDIR="${CCACHE_BASEDIR:-$(dirname "$PWD")}" CCACHE_NOHASHDIR=1
+
 if command -v ccache >/dev/null; then
     export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
 fi
