@@ -36,6 +36,27 @@ juce_add_plugin(Velkor
     COPY_PLUGIN_AFTER_BUILD FALSE)
 
 set(PLUGIN_SOURCES
+    source/browser/archive_export.cpp
+    source/browser/archive_import.cpp
+    source/browser/browser_icons.cpp
+    source/browser/browser_look.cpp
+    source/browser/browser_strings.cpp
+    source/browser/column_drag.cpp
+    source/browser/column_paint.cpp
+    source/browser/favorites_file.cpp
+    source/browser/preset_adjectives.cpp
+    source/browser/preset_listing.cpp
+    source/browser/preset_nouns.cpp
+    source/browser/zb_PresetManager.cpp
+    source/browser/zb_PresetManagerColumn.cpp
+    source/browser/zb_PresetManagerDeleteWindow.cpp
+    source/browser/zb_PresetManagerDownloadPanel.cpp
+    source/browser/zb_PresetManagerSaveWindow.cpp
+    source/browser/zb_PresetManager_commands.cpp
+    source/browser/zb_PresetManager_download.cpp
+    source/browser/zb_PresetManager_favorites.cpp
+    source/browser/zb_PresetManager_navigation.cpp
+    source/browser/zb_PresetManager_tree.cpp
     source/parameters/build_parameters.cpp
     source/parameters/gain_parameter.cpp
     source/parameters/parameter_binding.cpp

@@ -2,6 +2,7 @@
 #include "state/name_cache.h"
 
 #include "state/document_guard.h"
+#include "state/whole_file.h"
 
 // Stored: never edit.
 static constexpr auto kCacheFile = "preset_info.xml";
@@ -9,6 +10,11 @@ static constexpr auto kCacheTag = "PresetCache";
 static constexpr auto kPresetTag = "Preset";
 static constexpr auto kPath = "path";
 static constexpr auto kName = "name";
+static constexpr auto kType = "type";
+static constexpr auto kVersion = "version";
+static constexpr auto kPluginName = "pluginName";
+static constexpr auto kFileCount = "fileCount";
+static constexpr int kPresentVersion = 2;
 
 juce::File nameCacheFile (const juce::File& presetFolder)
 {
@@ -28,4 +34,57 @@ PresetNames readNameCache (const juce::File& presetFolder)
             names[preset->getStringAttribute (kPath)] = preset->getStringAttribute (kName);
 
     return names;
+}
+
+static int countPresetFiles (const juce::File& presetFolder)
+{
+    int count = 0;
+
+    // A link back up the tree is walked once: its system would follow it some forty levels deep.
+    for ([[maybe_unused]] const auto& entry :
+         juce::RangedDirectoryIterator (presetFolder, true, "*.zbpreset", juce::File::findFiles,
+                                        juce::File::FollowSymlinks::noCycles))
+        ++count;
+
+    return count;
+}
+
+bool readCurrentNameCache (const juce::File& presetFolder, KnownPresets& known)
+{
+    const auto cache = parseDocument (nameCacheFile (presetFolder));
+
+    if (cache == nullptr || ! hasTag (*cache, kCacheTag) ||
+        cache->getIntAttribute (kVersion) != kPresentVersion ||
+        cache->getIntAttribute (kFileCount, -1) != countPresetFiles (presetFolder))
+        return false;
+
+    known.clear();
+
+    for (const auto* preset : cache->getChildIterator())
+        if (hasTag (*preset, kPresetTag))
+            known[preset->getStringAttribute (kPath)] = { preset->getStringAttribute (kName),
+                                                          preset->getIntAttribute (kType, 2) };
+
+    return true;
+}
+
+bool writeNameCache (const juce::File& presetFolder, const juce::String& pluginName,
+                     const KnownPresets& known)
+{
+    juce::XmlElement cache (kCacheTag);
+    cache.setAttribute (kVersion, kPresentVersion);
+    cache.setAttribute (kPluginName, pluginName);
+    cache.setAttribute (kFileCount, static_cast<int> (known.size()));
+
+    // From the end: an element finds its last child by walking past all the others.
+    for (auto entry = known.rbegin(); entry != known.rend(); ++entry)
+    {
+        auto* const preset = new juce::XmlElement (kPresetTag);
+        cache.prependChildElement (preset);
+        preset->setAttribute (kPath, entry->first);
+        preset->setAttribute (kName, entry->second.name);
+        preset->setAttribute (kType, entry->second.type);
+    }
+
+    return replaceWithDocument (nameCacheFile (presetFolder), cache, Durable::no);
 }

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include <juce_core/juce_core.h>
+
+/** Archives come from strangers. What they unpack to is limited, since a few megabytes can hold as much as
+    any disk does. Files of small archives may take this many bytes together... */
+inline constexpr juce::int64 kSmallContents = 64 << 20;
+
+/** ...those of others this many times the archive's size. Presets pack to a tenth, at most. */
+inline constexpr juce::int64 kMaxExpansion = 100;
+
+/** What unpacking leaves free on the disk, bytes. */
+inline constexpr juce::int64 kSpareBytes = 256 << 20;
+
+/** The largest archive that is opened: its list of entries is read into memory whole, bytes. */
+inline constexpr juce::int64 kMaxArchiveBytes = juce::int64 (2) << 30;
+
+/** Unpacks the files of a ZIP archive below folder and overwrites what is there, each file whole or not at
+    all. Leaves out what would lie outside the folder, or behind a link in it, links, and files that are not
+    as long as the archive says. Unpacks nothing if the archive is no ZIP or its contents are beyond the
+    limits above or the room on the disk. Returns the number of files written. Any thread. */
+int unpackArchive (const juce::File& archive, const juce::File& folder);
+
+/** The folder that an archive is unpacked into: a child of parent with the archive's name. Empty if that
+    name makes none, as "..." plus the extension doesn't. Any thread. */
+juce::File folderForArchive (const juce::File& archive, const juce::File& parent);

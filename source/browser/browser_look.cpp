@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "browser/browser_look.h"
+
+#include <utility>
+
+BrowserLook::BrowserLook (juce::Typeface::Ptr regularFont, juce::Typeface::Ptr semiboldFont)
+    : regular (std::move (regularFont)), semibold (std::move (semiboldFont)),
+      english (juce::SystemStats::getUserLanguage() == "en")
+{
+}
+
+juce::FontOptions BrowserLook::fontOf (const juce::Typeface::Ptr& typeface, float height) const
+{
+    return (typeface != nullptr ? juce::FontOptions (typeface) : juce::FontOptions())
+        .withHeight (height);
+}
+
+juce::FontOptions BrowserLook::regularFont (float height) const
+{
+    return fontOf (regular, height);
+}
+
+juce::FontOptions BrowserLook::semiboldFont (float height) const
+{
+    return fontOf (semibold, height);
+}
+
+float BrowserLook::textSize (float unit, float englishUnits, float otherUnits) const
+{
+    return unit * (english ? englishUnits : otherUnits);
+}
+
+void BrowserLook::drawButton (juce::Graphics& g, juce::Rectangle<float> bounds,
+                              const juce::String& label, bool isDown, float corner,
+                              float size) const
+{
+    g.setColour (isDown ? colours.colourHighlight
+                        : colours.colourAccent.withAlpha (static_cast<juce::uint8> (0x40)));
+    g.fillRoundedRectangle (bounds, corner);
+    g.setColour (isDown ? colours.colourBackground : colours.colourText);
+    g.setFont (regularFont (size));
+    g.drawText (label, bounds, juce::Justification::centred, true);
+}
+
+void BrowserLook::drawBox (juce::Graphics& g, juce::Rectangle<float> box, float unit) const
+{
+    g.fillAll (colours.colourBackground.withAlpha (0.5f));
+    g.setColour (colours.colourBackground);
+    g.fillRoundedRectangle (box, unit);
+    g.setColour (colours.colourDim);
+    g.drawRoundedRectangle (box, unit, 0.1f * unit);
+}

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include "state/name_cache.h"
+
+#include <juce_core/juce_core.h>
+
+/** Extension of preset files, its dot included; compared without regard to case. */
+inline constexpr auto kPresetExtension = ".zbpreset";
+
+/** Visible files and folders right below folder, in the order in which the browser shows them: by path,
+    ignoring case. Folders that archives made on a Mac carry along are left out. Any thread. */
+juce::Array<juce::File> listFolder (const juce::File& folder);
+
+/** Name and type that a preset file tells, in the dialect of the product of that name; an empty name if the
+    file tells none or can't be read. Opens the file. Any thread. */
+KnownPreset readPresetFile (const juce::File& file, const juce::String& pluginName);
+
+/** Path below the preset folder, with "/" between on every system. Any thread. */
+juce::String relativePresetPath (const juce::File& file, const juce::File& presetFolder);

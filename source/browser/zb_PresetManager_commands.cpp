@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "browser/archive_export.h"
+#include "browser/archive_import.h"
+#include "browser/preset_listing.h"
+#include "browser/zb_PresetManager.h"
+#include "processor/zb_AudioProcessor.h"
+#include "state/document_guard.h"
+#include "state/preset_document.h"
+
+// The commands on the left. A file chooser runs the message loop, so the browser may be gone when it returns.
+
+void zb_PresetManager::buttonClicked (juce::Button* button)
+{
+    JUCE_ASSERT_MESSAGE_THREAD
+
+    switch (button->getName().getIntValue())
+    {
+    case kCopyCommand:
+        return copyToClipboard();
+    case kPasteCommand:
+        return pasteFromClipboard();
+    case kImportCommand:
+        return chooseImport();
+    case kExportCommand:
+        return chooseExport();
+    case kDeleteCommand:
+        return openDeleteWindow();
+    case kSaveCommand:
+        return openSaveWindow();
+    case kDownloadCommand:
+        return downloadFactoryContent();
+    case kCancelCommand:
+        return cancel();
+    case kCloseCommand:
+        return close();
+    default:
+        return;
+    }
+}
+
+void zb_PresetManager::copyToClipboard()
+{
+    juce::String text;
+    getStateAsText (text);
+    juce::SystemClipboard::copyTextToClipboard (text);
+    setVisible (false);
+}
+
+void zb_PresetManager::pasteFromClipboard()
+{
+    setStateFromText (juce::SystemClipboard::getTextFromClipboard());
+    setVisible (false);
+}
+
+// --- overlays ------------------------------------------------------------------------------------------
+
+void zb_PresetManager::openDeleteWindow()
+{
+    if (selectedPath.isEmpty())
+        return;
+
+    deleteWindow = std::make_unique<zb_PresetManagerDeleteWindow> (*this, selectedPath);
+    addAndMakeVisible (*deleteWindow);
+    resized();
+}
+
+void zb_PresetManager::openSaveWindow()
+{
+    saveWindow =
+        std::make_unique<zb_PresetManagerSaveWindow> (*this, targetFolder().getFullPathName());
+    addAndMakeVisible (*saveWindow);
+    resized();
+
+    if (saveWindow->isShowing())
+        saveWindow->nameEditor.grabKeyboardFocus();
+}
+
+void zb_PresetManager::removeDeleteWindow()
+{
+    deleteWindow.reset();
+}
+
+void zb_PresetManager::removeSaveWindow()
+{
+    saveWindow.reset();
+}
+
+juce::File zb_PresetManager::targetFolder() const
+{
+    if (selectedPath.isEmpty())
+        return presetFolder;
+
+    const juce::File selected (selectedPath);
+    return selected.isDirectory() ? selected : selected.getParentDirectory();
+}
+
+// --- import --------------------------------------------------------------------------------------------
+
+void zb_PresetManager::chooseImport()
+{
+    const SafePointer<zb_PresetManager> stillThere (this);
+    juce::FileChooser chooser ("Import Preset Or Zip...",
+                               juce::File::getSpecialLocation (juce::File::userDesktopDirectory));
+
+    if (chooser.browseForFileToOpen() && stillThere != nullptr)
+        importFile (chooser.getResult());
+}
+
+void zb_PresetManager::importFile (const juce::File& file)
+{
+    JUCE_ASSERT_MESSAGE_THREAD
+    const auto folder = targetFolder();
+    const auto openFolders = getCurrentPath();
+    const auto extension = file.getFileExtension();
+
+    if (extension == ".zip" || extension == ".ZIP")
+    {
+        if (const auto target = folderForArchive (file, folder); target != juce::File())
+        {
+            // A large archive takes its seconds: the cursor tells.
+            juce::MouseCursor::showWaitCursor();
+            unpackArchive (file, target);
+            juce::MouseCursor::hideWaitCursor();
+        }
+    }
+    else if (file.hasFileExtension (kPresetExtension))
+    {
+        const auto document = parseDocument (file);
+
+        if (document != nullptr && isPresetDocument (*document, processor.stateTag))
+        {
+            processor.loadStateFromXML (document.get());
+            saveStateToFile (folder.getChildFile (file.getFileName()));
+        }
+    }
+
+    rebuildAndReopen (openFolders);
+}
+
+// --- export --------------------------------------------------------------------------------------------
+
+juce::File zb_PresetManager::makeExport() const
+{
+    if (selectedPath.isEmpty())
+        return {};
+
+    const juce::File selected (selectedPath);
+    return selected.isDirectory() ? exportFolder (selected) : selected;
+}
+
+void zb_PresetManager::chooseExport()
+{
+    const SafePointer<zb_PresetManager> stillThere (this);
+    const auto file = makeExport();
+    juce::FileChooser chooser ("Export to...",
+                               juce::File::getSpecialLocation (juce::File::userDesktopDirectory)
+                                   .getChildFile (file.getFileName()));
+
+    if (chooser.browseForDirectory() && stillThere != nullptr)
+        copyInto (file, chooser.getResult());
+}

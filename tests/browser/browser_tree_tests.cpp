@@ -1,0 +1,274 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "browser/browser_fixture.h"
+#include "browser/preset_listing.h"
+
+#include <unistd.h>
+
+class BrowserTree : public BrowserTest
+{
+protected:
+    juce::String cacheText() const { return lib ("preset_info.xml").loadFileAsString(); }
+};
+
+TEST_F (BrowserTree, MixesFoldersAndPresetsByFileNameWhateverTheCase)
+{
+    putPreset ("b.zbpreset", "Bee");
+    putPreset ("A.ZBPRESET", "Ay");
+    putPreset ("C/one.zbpreset", "One");
+    putPreset ("__MACOSX/fork.zbpreset", "Fork");
+    putPreset ("C/__MACOSX/fork.zbpreset", "Fork");
+    putPreset (".hidden.zbpreset", "Hidden");
+    putFile (lib ("broken.zbpreset"), "no document");
+    putFile (lib ("readme.txt"), "text");
+    lib ("aa").createDirectory();
+    open();
+
+    EXPECT_EQ (rows (0), "Ay|aa|Bee||C");  // the broken one is listed without a name
+    EXPECT_EQ (browser().presetFiles.size(), 4);
+    EXPECT_EQ (browser().presetFiles[1], lib ("b.zbpreset"));
+    EXPECT_EQ (browser().presetFiles[3], lib ("C/one.zbpreset"));
+
+    const auto root = browser().rootTree;
+    EXPECT_EQ (root.toXmlString (juce::XmlElement::TextFormat().singleLine().withoutHeader())
+                   .upToFirstOccurrenceOf (">", true, false),
+               "<Root name=\"Presets\" path=\"\" index=\"-1\">");
+    EXPECT_EQ (root.getChild (1).getType().toString(), "Folder");
+    EXPECT_EQ (root.getChild (1)["path"].toString(), lib ("aa").getFullPathName());
+    EXPECT_EQ (static_cast<int> (root.getChild (1)["index"]), -1);
+    EXPECT_EQ (root.getChild (4).getChild (0).getType().toString(), "Preset");
+    EXPECT_EQ (static_cast<int> (root.getChild (4).getChild (0)["index"]), 3);
+    EXPECT_EQ (browser().addToTree ("x", "y", 5, 0).getType().toString(), "");
+}
+
+TEST_F (BrowserTree, ShowsFourLevelsAndNoMore)
+{
+    putPreset ("1/2/3/leaf.zbpreset", "Leaf", 44.0f);
+    putPreset ("1/2/3/4/deep.zbpreset", "Deep");
+    open();
+    select (0, "1");
+    select (1, "2");
+    select (2, "3");
+    EXPECT_EQ (view(), "*1 / *2 / *3 / 4|Leaf");
+    EXPECT_EQ (browser().presetFiles.size(), 1);
+
+    // A folder in the last column is treated like a preset, and fails like one.
+    select (3, "4");
+    EXPECT_EQ (view(), "*1 / *2 / *3 / *4|Leaf");
+    EXPECT_EQ (processor.presetName, "Error Loading Preset");
+    select (3, "Leaf");
+    EXPECT_EQ (processor.presetName, "Leaf");
+    EXPECT_EQ (delay(), 44.0f);
+
+    // What is too deep is counted on disk and never gets into the file of names: that is stale for ever.
+    putPreset ("1/2/3/leaf.zbpreset", "Renamed");
+    open();
+    select (0, "1");
+    select (1, "2");
+    select (2, "3");
+    EXPECT_EQ (rows (3), "4|Renamed");
+}
+
+TEST_F (BrowserTree, ReadsNamesAndTypesInTheDialectOfTheProduct)
+{
+    const auto read = [this] (const char* document, const char* product)
+    {
+        putFile (lib ("x.zbpreset"), document);
+        const auto known = readPresetFile (lib ("x.zbpreset"), product);
+        return known.name + " " + juce::String (known.type);
+    };
+
+    const auto* const both =
+        "<R presetName=\"small\" PresetName=\"big\"><pluginstate PresetName=\"inner\"/></R>";
+
+    for (const auto* product : { "Gantry 2", "Corvid", "Mulberry2" })
+    {
+        EXPECT_EQ (read (both, product), "inner 2");
+        EXPECT_EQ (read ("<R PresetName=\"big\"/>", product), " 2");
+    }
+
+    for (const auto* product : { "Velkor", "Tansy", "Gantry" })
+    {
+        EXPECT_EQ (read (both, product), "small 2");
+        EXPECT_EQ (read ("<R presetName=\"\" PresetName=\"big\"/>", product), " 2");
+        EXPECT_EQ (read ("<Any PresetName=\"big\" Sample=\"\"/>", product), "big 3");
+    }
+
+    const auto* const audio = "<R PresetName=\"a\"><AUDIODATA><x/></AUDIODATA></R>";
+    EXPECT_EQ (read (audio, "Tansy"), "a 3");
+    EXPECT_EQ (read (audio, "Velkor"), "a 2");
+    EXPECT_EQ (read ("<R PresetName=\"a\"><AudioData/></R>", "Tansy"), "a 2");
+    EXPECT_EQ (read ("not XML", "Tansy"), " 2");
+}
+
+TEST_F (BrowserTree, WritesTheFileOfNamesInTheOrderOfCodePoints)
+{
+    putPreset ("b/x.zbpreset", "X &amp; &quot;Y&quot;");
+    putPreset ("B/y.zbpreset", juce::String::fromUTF8 ("\xe6\xb3\xa2"));
+    putFile (lib ("a.zbpreset"), "<S PresetName=\"Loop\" Sample=\"1\"/>");
+    open();
+    EXPECT_EQ (cacheText(),
+               juce::String::fromUTF8 (
+                   "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n\r\n"
+                   "<PresetCache version=\"2\" pluginName=\"Velkor\" fileCount=\"3\">\r\n"
+                   "  <Preset path=\"B/y.zbpreset\" name=\"&#27874;\" type=\"2\"/>\r\n"
+                   "  <Preset path=\"a.zbpreset\" name=\"Loop\" type=\"3\"/>\r\n"
+                   "  <Preset path=\"b/x.zbpreset\" name=\"X &amp; &quot;Y&quot;\" type=\"2\"/>\r\n"
+                   "</PresetCache>\r\n"));
+    open();
+    select (0, "B");
+    EXPECT_EQ (rows (1), juce::String::fromUTF8 ("\xe6\xb3\xa2"));
+    select (0, "b");
+    EXPECT_EQ (rows (1), "X & \"Y\"");
+    EXPECT_EQ (browser().rootTree.getChild (0).getType().toString(), "Sample");
+}
+
+TEST_F (BrowserTree, TrustsAFileOfNamesThatHasTheRightCountAndVersion)
+{
+    putPreset ("one.zbpreset", "One");
+    putPreset ("two.zbpreset", "Two");
+    const auto entries = juce::String ("<preset path=\"one.zbpreset\" name=\"Uno\" type=\"3\"/>"
+                                       "<Preset path=\"TWO.zbpreset\" name=\"Dos\"/>"
+                                       "<Preset path=\"gone.zbpreset\" name=\"Tres\"/>");
+    const auto cache = [&] (const char* attributes)
+    {
+        putFile (lib ("preset_info.xml"),
+                 ("<presetcache " + juce::String (attributes) + ">" + entries + "</presetcache>")
+                     .toStdString());
+        const auto before = cacheText();
+        open();
+        return rows (0) + (cacheText() == before ? "" : ", rewritten");
+    };
+
+    // The count is that on disk, not of the entries; a path in another case is another path, and is read.
+    EXPECT_EQ (cache ("version=\"2\" fileCount=\"2\""), "Uno|Two");
+    EXPECT_EQ (browser().rootTree.getChild (0).getType().toString(), "Sample");
+
+    for (const auto* stale : { "version=\"2\" fileCount=\"3\"", "version=\"1\" fileCount=\"2\"",
+                               "fileCount=\"2\"", "version=\"2\"" })
+        EXPECT_EQ (cache (stale), "One|Two, rewritten") << stale;
+
+    // Hidden presets and those that no column shows count as well.
+    putPreset (".hidden.zbpreset", "Hidden");
+    putPreset ("a/b/c/d/e.zbpreset", "Deep");
+    EXPECT_EQ (cache ("version=\"2\" fileCount=\"4\""), "a|Uno|Two");
+
+    // Not a document, a document of somebody else's, and a folder of that name.
+    for (const auto* junk : { "<PresetCache version=\"2\" fileCount=\"4\">",
+                              "<Other version=\"2\" fileCount=\"4\"><Preset path=\"one.zbpreset\" "
+                              "name=\"U\"/></Other>" })
+    {
+        putFile (lib ("preset_info.xml"), junk);
+        open();
+        EXPECT_EQ (rows (0), "a|One|Two") << junk;
+    }
+
+    ASSERT_TRUE (lib ("preset_info.xml").deleteFile());
+    ASSERT_TRUE (lib ("preset_info.xml").createDirectory());
+    open();
+    EXPECT_EQ (rows (0), "a|One|preset_info.xml|Two");
+    EXPECT_TRUE (lib ("preset_info.xml").isDirectory());
+}
+
+TEST_F (BrowserTree, KeepsNamesOfFilesThatHaveGoneUntilTheNextStart)
+{
+    putPreset ("one.zbpreset", "One");
+    putPreset ("two.zbpreset", "Two");
+    open();
+    ASSERT_TRUE (lib ("one.zbpreset").deleteFile());
+    browser().makeNewTree();
+    EXPECT_EQ (rows (0), "Two");
+    EXPECT_TRUE (cacheText().contains ("fileCount=\"2\""));  // too many
+
+    putPreset ("one.zbpreset", "Another");  // the count fits again, so the old name counts
+    browser().makeNewTree();
+    EXPECT_EQ (rows (0), "One|Two");
+
+    ASSERT_TRUE (lib ("one.zbpreset").deleteFile());
+    open();
+    EXPECT_TRUE (cacheText().contains ("fileCount=\"1\""));
+}
+
+TEST_F (BrowserTree, OpensNoPresetWhileTheFileOfNamesIsCurrent)
+{
+    putPreset ("one.zbpreset", "One");
+    open();
+
+    // Such a file of the same count would be read as nameless.
+    putFile (lib ("one.zbpreset"), "");
+    open();
+    EXPECT_EQ (rows (0), "One");
+
+    // An empty folder leaves no file of names behind.
+    ASSERT_TRUE (folder.deleteRecursively());
+    open();
+    EXPECT_EQ (rows (0), "");
+    EXPECT_FALSE (folder.exists());
+}
+
+TEST_F (BrowserTree, FindsTheCurrentProgramByItsFileName)
+{
+    putPreset ("a/Same.zbpreset", "Same");
+    putPreset ("b/Same.zbpreset", "Same");
+    putPreset ("b/Other.zbpreset", "Different");
+    processor.presetName = "Same";
+    open();
+    EXPECT_EQ (processor.currentProgram, 0);
+    processor.presetName = "Other";
+    browser().makeNewTree();
+    EXPECT_EQ (processor.currentProgram, 1);
+
+    for (const auto* name : { "Different", "other", "Error Loading Preset" })
+    {
+        processor.currentProgram = 5;
+        processor.presetName = name;
+        browser().makeNewTree();
+        EXPECT_EQ (processor.currentProgram, 0) << name;
+    }
+}
+
+TEST_F (BrowserTree, StepsThroughAllPresetsRoundTheEnds)
+{
+    open();
+    browser().presetsDecInc (true);
+    EXPECT_EQ (processor.currentProgram, 0);
+
+    putPreset ("a/1.zbpreset", "A1", 11.0f);
+    putPreset ("b.zbpreset", "B", 22.0f);
+    putPreset ("c/2.zbpreset", "C2", 33.0f);
+    open();
+    HostListener host;
+    processor.addListener (&host);
+    juce::StringArray heard;
+
+    for (const bool forward : { true, true, true, false, false })
+    {
+        browser().presetsDecInc (forward);
+        heard.add (processor.presetName + juce::String (processor.currentProgram) + "=" +
+                   juce::String (delay(), 0));
+    }
+
+    EXPECT_EQ (heard.joinIntoString (" "), "B1=22 C22=33 A10=11 C22=33 B1=22");
+    EXPECT_EQ (host.changes, 10);  // each load and each step
+    processor.removeListener (&host);
+
+    ASSERT_TRUE (lib ("c/2.zbpreset").deleteFile());
+    browser().presetsDecInc (true);
+    EXPECT_EQ (processor.presetName, "Error Loading Preset");
+    EXPECT_EQ (processor.currentProgram, 2);
+    EXPECT_EQ (delay(), 22.0f);
+}
+
+TEST_F (BrowserTree, SurvivesLinksThatLeadInCircles)
+{
+    putPreset ("a/one.zbpreset", "One");
+
+    for (const auto* link : { "a/self", "a/again" })
+        ASSERT_EQ (
+            symlink (lib().getFullPathName().toRawUTF8(), lib (link).getFullPathName().toRawUTF8()),
+            0);
+
+    ASSERT_EQ (mkfifo (lib ("a/pipe.zbpreset").getFullPathName().toRawUTF8(), 0600), 0);
+    open();  // returns at all
+    select (0, "a");
+    EXPECT_TRUE (rows (1).startsWith ("again|One|")) << rows (1);
+}
