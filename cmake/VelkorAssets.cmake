@@ -22,5 +22,11 @@ add_custom_command(OUTPUT "${VELKOR_PRESET_ARCHIVE}"
     COMMENT "Packing the presets"
     VERBATIM)
 
-juce_add_binary_data(velkor_assets SOURCES "${VELKOR_PRESET_ARCHIVE}")
+# The symbols are made of the file names alone: no two may be equal.
+file(GLOB VELKOR_ARTWORK CONFIGURE_DEPENDS
+    "${CMAKE_SOURCE_DIR}/resources/images/*.png"
+    "${CMAKE_SOURCE_DIR}/resources/logos/*.svg"
+    "${CMAKE_SOURCE_DIR}/resources/fonts/*.otf")
+
+juce_add_binary_data(velkor_assets SOURCES "${VELKOR_PRESET_ARCHIVE}" ${VELKOR_ARTWORK})
 target_link_libraries(velkor_assets PRIVATE velkor_flags)

@@ -77,7 +77,20 @@ set(PLUGIN_SOURCES
     source/state/parameter_state.cpp
     source/state/preset_document.cpp
     source/state/state_carriers.cpp
-    source/state/whole_file.cpp)
+    source/state/whole_file.cpp
+    source/ui/AboutView.cpp
+    source/ui/BitmapMatrix.cpp
+    source/ui/BitmapSlider.cpp
+    source/ui/MidiLed.cpp
+    source/ui/SharedInterface.cpp
+    source/ui/Starfield.cpp
+    source/ui/ValueLabel.cpp
+    source/ui/VelkorAudioProcessorEditor.cpp
+    source/ui/VelkorControl.cpp
+    source/ui/VelkorPanel.cpp
+    source/ui/bitmap_switches.cpp
+    source/ui/editor_paint.cpp
+    source/ui/image_strip.cpp)
 
 target_sources(Velkor PRIVATE ${PLUGIN_SOURCES})
 velkor_juce_sources(${PLUGIN_SOURCES})

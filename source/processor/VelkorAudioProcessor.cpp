@@ -6,6 +6,7 @@
 #include "state/global_settings.h"
 #include "state/preset_document.h"
 #include "state/state_carriers.h"
+#include "ui/VelkorAudioProcessorEditor.h"
 
 #include <BinaryData.h>
 
@@ -54,7 +55,7 @@ bool VelkorAudioProcessor::isBusesLayoutSupported (const BusesLayout& layouts) c
 
 juce::AudioProcessorEditor* VelkorAudioProcessor::createEditor()
 {
-    return new juce::GenericAudioProcessorEditor (*this);
+    return new VelkorAudioProcessorEditor (*this, parameterTree);
 }
 
 void VelkorAudioProcessor::prepareToPlay (double sampleRate, int)
@@ -141,6 +142,11 @@ void VelkorAudioProcessor::setSignalConnection (int source, int destination, boo
 {
     engine_set_connection (*engine, source, destination, on);
     updateHostDisplay();
+}
+
+bool VelkorAudioProcessor::getSignalConnection (int source, int destination) const noexcept
+{
+    return signal_matrix_get (engine->signal, source, destination);
 }
 
 void VelkorAudioProcessor::setModConnection (int source, int dest, bool on)

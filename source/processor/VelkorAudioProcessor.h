@@ -62,6 +62,9 @@ public:
         connectionLock. */
     void setSignalConnection (int source, int destination, bool on);
 
+    /** Whether source is connected to destination; false out of range. Any thread, lock-free. */
+    bool getSignalConnection (int source, int destination) const noexcept;
+
     /** Makes or breaks a route of the modulation matrix and tells the host. Message thread; takes modLock. */
     void setModConnection (int source, int dest, bool on);
 

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "ui/ui_fixture.h"
+
+void Pointer::press (float x, float y)
+{
+    pressed = last = { x, y };
+    target.mouseDown (event (last, 1));
+}
+
+void Pointer::drag (float x, float y)
+{
+    last = { x, y };
+    target.mouseDrag (event (last, 1));
+}
+
+void Pointer::release()
+{
+    target.mouseUp (event (last, 1));
+}
+
+// As the framework delivers it: the double click comes after the second release.
+void Pointer::doubleClick (float x, float y)
+{
+    press (x, y);
+    release();
+    press (x, y);
+    release();
+    target.mouseDoubleClick (event (last, 2));
+}
+
+juce::MouseEvent Pointer::event (juce::Point<float> position, int clicks) const
+{
+    const auto now = juce::Time::getCurrentTime();
+    return { juce::Desktop::getInstance().getMainMouseSource(),
+             position,
+             juce::ModifierKeys::leftButtonModifier,
+             0.0f,
+             0.0f,
+             0.0f,
+             0.0f,
+             0.0f,
+             &target,
+             &target,
+             now,
+             pressed,
+             now,
+             clicks,
+             position != pressed };
+}
+
+HostLog::HostLog (juce::AudioProcessor& processorToHear) : processor (processorToHear)
+{
+    processor.addListener (this);
+}
+
+HostLog::~HostLog()
+{
+    processor.removeListener (this);
+}
+
+void HostLog::audioProcessorParameterChanged (juce::AudioProcessor*, int index, float)
+{
+    lines.push_back ("value " + std::to_string (index));
+}
+
+void HostLog::audioProcessorParameterChangeGestureBegin (juce::AudioProcessor*, int index)
+{
+    lines.push_back ("begin " + std::to_string (index));
+}
+
+void HostLog::audioProcessorParameterChangeGestureEnd (juce::AudioProcessor*, int index)
+{
+    lines.push_back ("end " + std::to_string (index));
+}
+
+void HostLog::audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails& details)
+{
+    lines.emplace_back ("display");
+    lastDetails = details;
+}
+
+RepaintCount& RepaintCount::watch (juce::Component& component)
+{
+    auto* counter = new RepaintCount;
+    component.setVisible (true);  // what is hidden is never painted again
+    component.setCachedComponentImage (counter);
+    counter->count = 0;
+    counter->areas.clear();
+    return *counter;
+}
+
+bool RepaintCount::invalidateAll()
+{
+    ++count;
+    return true;
+}
+
+bool RepaintCount::invalidate (const juce::Rectangle<int>& area)
+{
+    ++count;
+    areas.push_back (area);
+    return true;
+}
+
+juce::RangedAudioParameter& parameterOf (VelkorAudioProcessor& processor, NumericalParamID id)
+{
+    return *processor.parameterTree.getParameter (paramMapper[id].name);
+}
+
+float valueOf (VelkorAudioProcessor& processor, NumericalParamID id)
+{
+    return processor.parameterTree.getRawParameterValue (paramMapper[id].name)->load();
+}
+
+juce::Component* childTitled (const juce::Component& parent, const juce::String& title)
+{
+    for (auto* child : parent.getChildren())
+        if (child->getTitle() == title)
+            return child;
+
+    return nullptr;
+}

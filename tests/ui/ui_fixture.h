@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include "parameters/parameter_table.h"
+#include "processor/VelkorAudioProcessor.h"
+
+#include <juce_audio_processors/juce_audio_processors.h>
+
+#include <string>
+#include <vector>
+
+/** A mouse that exists only in events: presses, moves and releases on one component. */
+class Pointer
+{
+public:
+    explicit Pointer (juce::Component& componentToPress) : target (componentToPress) {}
+
+    void press (float x, float y = 1.0f);
+    void drag (float x, float y = 1.0f);
+    void release();
+    void doubleClick (float x, float y = 1.0f);
+
+private:
+    juce::MouseEvent event (juce::Point<float> position, int clicks) const;
+
+    juce::Component& target;
+    juce::Point<float> pressed, last;
+};
+
+/** What the host hears of, in words: "begin 0", "value 0", "end 0" with the parameter's index, "display". */
+class HostLog : public juce::AudioProcessorListener
+{
+public:
+    explicit HostLog (juce::AudioProcessor& processorToHear);
+    ~HostLog() override;
+
+    void audioProcessorParameterChanged (juce::AudioProcessor*, int index, float value) override;
+    void audioProcessorParameterChangeGestureBegin (juce::AudioProcessor*, int index) override;
+    void audioProcessorParameterChangeGestureEnd (juce::AudioProcessor*, int index) override;
+    void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails& details) override;
+
+    std::vector<std::string> lines;
+    ChangeDetails lastDetails;
+
+private:
+    juce::AudioProcessor& processor;
+};
+
+/** Notes which parts of a component were to be painted again, its children's included. */
+class RepaintCount : public juce::CachedComponentImage
+{
+public:
+    /** Watches a component for as long as that component lives. */
+    static RepaintCount& watch (juce::Component& component);
+
+    void paint (juce::Graphics&) override {}
+    bool invalidateAll() override;
+    bool invalidate (const juce::Rectangle<int>& area) override;
+    void releaseResources() override {}
+
+    int count = 0;
+    std::vector<juce::Rectangle<int>> areas;  ///< of invalidate, in the component's coordinates
+};
+
+/** The parameter of a number. */
+juce::RangedAudioParameter& parameterOf (VelkorAudioProcessor& processor, NumericalParamID id);
+
+/** Its value in its own unit. */
+float valueOf (VelkorAudioProcessor& processor, NumericalParamID id);
+
+/** The child of a component that carries this title; null without one. */
+juce::Component* childTitled (const juce::Component& parent, const juce::String& title);
