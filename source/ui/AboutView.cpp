@@ -63,8 +63,8 @@ AboutView::AboutView (SharedInterface& sharedInterface) : shared (sharedInterfac
                  "DSP: the Velkor founders",
                  "GUI: the Velkor founders",
                  {},
-                 "Copyright 2026 Zubrow Labs. Free software: GNU AGPL, version 3 or later.",
-                 "Made with the JUCE framework. Typeface under the SIL Open Font License." });
+                 "Copyright 2026 Zubrow Labs. Licence: GNU AGPL 3 or later.",
+                 "Built on JUCE. Typeface: Dosis, SIL Open Font License 1.1." });
     mailBody = lines ({ "Plugin: Velkor " + version }) + systemInfoText +
                lines ({ {}, "Your problem, and the steps to recreate it, if possible:" });
 

@@ -40,14 +40,39 @@ void BitmapMatrix::paint (juce::Graphics& g)
     if (rows < 1 || columns < 1)
         return;
 
+    // Most repaints come from the editor's timer and find nothing new.
+    auto changed = false;
+    painted.resize (static_cast<std::size_t> (rows * columns));
+
+    for (int row = 0; row < rows; ++row)
+        for (int column = 0; column < columns; ++column)
+        {
+            const auto on = getCell (column, row);
+            const auto cell = painted.begin() + (row * columns + column);
+            changed = changed || *cell != on;
+            *cell = on;
+        }
+
+    if (changed)
+        picture.forget();
+
+    picture.draw (g, getWidth(), getHeight(), false,
+                  [this] (juce::Graphics& inside) { paintCells (inside); });
+}
+
+void BitmapMatrix::paintCells (juce::Graphics& g) const
+{
     const auto cellWidth = static_cast<float> (getWidth()) / static_cast<float> (columns);
     const auto cellHeight = static_cast<float> (getHeight()) / static_cast<float> (rows);
 
     for (int row = 0; row < rows; ++row)
         for (int column = 0; column < columns; ++column)
-            drawStretched (g, getCell (column, row) ? onImage : offImage,
+        {
+            const auto on = painted[static_cast<std::size_t> (row * columns + column)];
+            drawStretched (g, on ? onImage : offImage,
                            { static_cast<float> (column) * cellWidth,
                              static_cast<float> (row) * cellHeight, cellWidth, cellHeight });
+        }
 }
 
 // Truncation goes toward zero, so the grid reaches up to one cell beyond its left and upper edges.

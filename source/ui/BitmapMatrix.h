@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "ui/kept_picture.h"
+
 #include <juce_gui_basics/juce_gui_basics.h>
 
 #include <functional>
+#include <vector>
 
 /** A grid of switches that knows nothing of what they switch. A press flips a cell, and the drag that follows
     gives every further cell that value. It keeps no copy of the cells: whoever changes them repaints it. Message
@@ -30,6 +33,7 @@ private:
         bool operator== (const Cell&) const = default;
     };
 
+    void paintCells (juce::Graphics& g) const;
     Cell cellAt (juce::Point<float> position) const;
     bool isOnGrid (Cell cell) const;
 
@@ -37,8 +41,10 @@ private:
     GetCell getCell;
     SetCell setCell;
     juce::Image offImage, onImage;
-    Cell lastCell { -1, -1 };  ///< of the present press
-    bool paintValue = true;    ///< what the present press writes
+    Cell lastCell { -1, -1 };   ///< of the present press
+    bool paintValue = true;     ///< what the present press writes
+    std::vector<bool> painted;  ///< the cells as the kept picture shows them
+    KeptPicture picture;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (BitmapMatrix)
 };

@@ -79,6 +79,7 @@ VelkorAudioProcessorEditor::VelkorAudioProcessorEditor (
     }
 
     setTitle ("Velkor");
+    setOpaque (true);
     setBounds (getX(), getY(), velkor.uiWidth, static_cast<int> (velkor.uiWidth * 0.75));
     startTimer (33);
 }

@@ -32,12 +32,17 @@ VelkorPanel::VelkorPanel (VelkorAudioProcessor& processorToUse,
       midiLedStrip (embeddedImage (BinaryData::midi_led_png, BinaryData::midi_led_pngSize))
 {
     setTitle ("Velkor panel");
+    setOpaque (background.isValid() && ! background.hasAlphaChannel());
     buildControls();
 }
 
 void VelkorPanel::paint (juce::Graphics& g)
 {
-    drawStretched (g, background, getLocalBounds().toFloat());
+    if (background.isValid())
+        stretchedBackground.draw (
+            g, getWidth(), getHeight(), ! background.hasAlphaChannel(),
+            [this] (juce::Graphics& inside)
+            { drawStretched (inside, background, getLocalBounds().toFloat()); });
 }
 
 void VelkorPanel::resized()

@@ -7,6 +7,7 @@
 #include "ui/MidiLed.h"
 #include "ui/ValueLabel.h"
 #include "ui/bitmap_switches.h"
+#include "ui/kept_picture.h"
 #include "ui/panel_layout.h"
 
 #include <memory>
@@ -58,6 +59,7 @@ private:
     juce::AudioProcessorValueTreeState& state;
     juce::UndoManager* undoManager;
     juce::Image background;
+    KeptPicture stretchedBackground;
     juce::Image sliderLarge, sliderSmall, matrixSwitch;
     std::array<juce::Image, 9> buttonImages;  ///< by panel_layout::ToggleImage
     juce::Image multiplierStrip, waveStrip, midiLedStrip;
