@@ -28,7 +28,7 @@ protected:
 
     static inline const std::string kDefault = "<VelkorSettings PresetName=\"Fresh\"><Parameters/>"
                                                "<!-- " +
-                                               std::string (4000, 'd') + " --></VelkorSettings>";
+                                               std::string (5000, 'd') + " --></VelkorSettings>";
 
     /** An archive like the shipped one, with more entries behind it. */
     static juce::MemoryBlock

@@ -2,6 +2,7 @@
 #include "render_run.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 // What velkor-render refuses, in which words, and that nothing is left behind.
 
@@ -64,11 +65,61 @@ TEST_F (RenderRefusal, FilesThatCannotBeUsed)
              Refusal { { "new\nline.wav", "o.wav" }, 1, "new line.wav" },
              Refusal { { "--midi", "gone.mid", "in.wav", "o.wav" }, 1, "gone.mid" },
              Refusal { { "--midi", "text.mid", "in.wav", "o.wav" }, 1, "text.mid" },
-             Refusal { { "--preset", "gone.zbpreset", "in.wav", "o.wav" }, 1, "gone.zbpreset" },
-             Refusal { { "--preset", "text.wav", "in.wav", "o.wav" }, 1, "text.wav" },
-             Refusal { { "--preset", "other.xml", "in.wav", "o.wav" }, 1, "other.xml" },
              Refusal { { "in.wav", "text.wav/o.wav" }, 1, "text.wav/o.wav" },
              Refusal { { "in.wav", "text.wav", "folder/" }, 1, "text.wav" },
+         })
+        expectRefusal (refusal);
+}
+
+TEST_F (RenderRefusal, PresetsThatCannotBeUsed)
+{
+    const juce::String document = "<VelkorSettings PresetName=\"x\"><Parameters/></VelkorSettings>";
+    file ("cut.zbpreset").replaceWithText (document.dropLastCharacters (4));
+    file ("empty.zbpreset").create();
+    file ("bare.zbpreset").replaceWithText ("<VelkorSettings PresetName=\"x\"/>");
+    file ("entity.zbpreset")
+        .replaceWithText ("<!DOCTYPE VelkorSettings [<!ENTITY a \"x&a;\">]>" +
+                          document.replace ("\"x\"", "\"&a;\""));
+    file ("deep.zbpreset")
+        .replaceWithText (juce::String::repeatedString ("<VelkorSettings>", 20000));
+    file ("huge.zbpreset").replaceWithText (document + juce::String::repeatedString (" ", 5 << 20));
+    file ("folder.zbpreset").createDirectory();
+    ASSERT_EQ (
+        std::system (("mkfifo '" + file ("pipe.zbpreset").getFullPathName() + "'").toRawUTF8()), 0);
+
+    for (const auto* preset :
+         { "gone.zbpreset", "gone/11.zbpreset", "text.wav", "other.xml", "cut.zbpreset",
+           "empty.zbpreset", "bare.zbpreset", "entity.zbpreset", "deep.zbpreset", "huge.zbpreset",
+           "folder.zbpreset", "pipe.zbpreset", "Tape Dely", "64", "11 - Basic Sync", "Default" })
+    {
+        expectRefusal ({ { "--preset", preset, "in.wav", "o.wav" }, 1, preset });
+        expectRefusal ({ { "--preset", preset, "--save-preset", "o.zbpreset" }, 1, preset });
+    }
+
+    expectRefusal ({ { "--preset", "", "in.wav", "o.wav" }, 1, "\"\"" });
+    expectRefusal ({ { "--preset", "Tape Dely", "in.wav", "o.wav" }, 1, "--list-presets" });
+}
+
+TEST_F (RenderRefusal, PresetsThatCannotBeSaved)
+{
+    file ("folder.zbpreset").createDirectory();
+
+    for (const auto& refusal : {
+             Refusal { { "--save-preset", "folder.zbpreset" }, 1, "folder.zbpreset" },
+             Refusal { { "--save-preset", "text.wav/p.zbpreset" }, 1, "text.wav/p.zbpreset" },
+             Refusal { { "--save-preset", "in.wav", "o.wav" }, 2, "in.wav" },
+             Refusal { { "--save-preset", "p" }, 2, "\"p\"" },
+             Refusal { { "--save-preset", "" }, 2, "--save-preset" },
+             Refusal { { "--save-preset", "p.zbpreset", "in.wav" }, 2, "OUTPUT" },
+             Refusal { { "--save-preset", "p.zbpreset", "--demo" }, 2, "OUTPUT" },
+             Refusal { { "--save-preset", "p.zbpreset", "in.wav", "o.mp3" }, 2, "o.mp3" },
+             Refusal { { "--save-preset", "p.zbpreset", "gone.wav", "o.wav" }, 1, "gone.wav" },
+             Refusal { { "--save-preset", "p.zbpreset", "--set", "Kill=maybe" }, 2, "maybe" },
+             Refusal { { "--save-preset", "p.zbpreset", "--parameters" }, 2, "--save-preset" },
+             Refusal { { "--save-preset", "p.zbpreset", "--list-presets" }, 2, "--save-preset" },
+             Refusal { { "--list-presets", "--parameters" }, 2, "--parameters" },
+             Refusal { { "--list-presets", "in.wav" }, 2, "in.wav" },
+             Refusal { { "--list-presets", "--demo" }, 2, "--demo" },
          })
         expectRefusal (refusal);
 }
@@ -150,6 +201,10 @@ TEST_F (RenderRefusal, AFullDiskLeavesNothingAndWhatWasThereStays)
     file ("old.wav").replaceWithText ("precious");
     expectRefusal ({ { "--demo", "old.wav" }, 1, "old.wav" }, limit);
     EXPECT_EQ (file ("old.wav").loadFileAsString(), "precious");
+    file ("old.zbpreset").replaceWithText ("precious");
+    expectRefusal ({ { "--save-preset", "old.zbpreset" }, 1, "old.zbpreset" },
+                   "trap '' XFSZ; ulimit -f 2;");
+    EXPECT_EQ (file ("old.zbpreset").loadFileAsString(), "precious");
     render ({ "in.wav", "old.wav" });
     EXPECT_EQ (read ("old.wav").format, "WAV file");
 

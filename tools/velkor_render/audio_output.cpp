@@ -2,6 +2,7 @@
 #include "velkor_render/audio_output.h"
 
 #include "velkor_render/failure.h"
+#include "velkor_render/paths.h"
 #include "velkor_render/text.h"
 
 #include <algorithm>
@@ -63,14 +64,6 @@ std::unique_ptr<juce::AudioFormat> makeFormat (AudioFileType type)
 
     return std::make_unique<juce::FlacAudioFormat>();
 }
-
-/** The place itself if it is a link, so that the link stays one. */
-fs::path behindLinks (const fs::path& path)
-{
-    std::error_code error;
-    const auto target = fs::canonical (path, error);
-    return error ? path : target;
-}
 }  // namespace
 
 std::optional<AudioFileType> audioFileTypeOf (const fs::path& path)
@@ -117,29 +110,15 @@ AudioOutput::~AudioOutput() = default;
 
 void AudioOutput::openTemporary()
 {
-    std::error_code error;
-    const auto place = behindLinks (destination);
-    const auto folder = place.parent_path();
+    makeWay (destination);
 
-    if (! folder.empty())
-        fs::create_directories (folder, error);
-
-    if (! error && fs::exists (place, error))
-    {
-        if (! fs::is_regular_file (place, error))
-            fail (destination.string() + ": is not a file that can be replaced");
-
-        // Renaming over it would succeed even so.
-        if (! std::ofstream (place, std::ios::in | std::ios::out))
-            fail (destination.string() + ": is not writable");
-    }
-
+    const auto folder = behindLinks (destination).parent_path();
     const auto name = ".velkor-render-" + std::to_string (std::random_device()()) + ".part";
     file.open (folder / name, std::ios::binary | std::ios::trunc);
 
     if (! file)
-        fail (destination.string() + ": can't be written: " +
-              (error ? error : std::error_code (errno, std::generic_category())).message());
+        fail (destination.string() +
+              ": can't be written: " + std::error_code (errno, std::generic_category()).message());
 
     temporary.path = folder / name;
 }

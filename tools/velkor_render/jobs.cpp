@@ -82,6 +82,9 @@ void checkAgainstInputs (const Job& job, const Options& options)
 
 std::vector<Job> planJobs (const Options& options)
 {
+    if (options.inputs.empty() && ! options.demo)
+        return {};
+
     auto jobs =
         isFolder (options.output) ? jobsForFolder (options) : std::vector { jobForFile (options) };
     std::set<fs::path> outputs;

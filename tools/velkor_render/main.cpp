@@ -6,11 +6,11 @@
 #include "velkor_render/interruption.h"
 #include "velkor_render/options.h"
 #include "velkor_render/patch.h"
-#include "velkor_render/preset_file.h"
 #include "velkor_render/private_home.h"
 #include "velkor_render/progress_bar.h"
 #include "velkor_render/report.h"
 #include "velkor_render/resampling.h"
+#include "velkor_render/sound.h"
 #include "velkor_render/text.h"
 
 #include <juce_events/juce_events.h>
@@ -20,19 +20,28 @@
 
 namespace
 {
-/** The plug-in with the patch that the user asked for. */
-std::unique_ptr<VelkorAudioProcessor> makeProcessor (const Options& options)
+/** A new instance with a sound. */
+std::unique_ptr<VelkorAudioProcessor> makeProcessor (const Sound& sound)
 {
     // A delay line takes its longest time from the rate that the process ran at when the line was made.
     // This is the rate of a new process: no file is to sound different for the one before it.
     setAudioSamplingRate (44100.0);
     auto processor = std::make_unique<VelkorAudioProcessor>();
-
-    if (options.preset)
-        loadPreset (*processor, *options.preset);
-
-    applyEdits (*processor, options.edits);
+    loadSound (*processor, sound);
     return processor;
+}
+
+/** What is rendered. Edits go through a document too, so that a patch sounds to the bit as the preset that it
+    is saved to: cables are summed in the order of the document, and the way from a value's text into the store
+    may cost its last bit. */
+Sound soundOf (VelkorAudioProcessor& patch, const Options& options, Sound startingSound)
+{
+    if (options.edits == PatchEdits {} && ! options.savePreset)
+        return startingSound;
+
+    auto document = std::make_unique<juce::XmlElement> (patch.stateTag);
+    patch.saveStateToXML (*document);
+    return { startingSound.preset, std::move (document) };
 }
 
 AudioInput openInput (const Job& job, const Options& options)
@@ -55,9 +64,9 @@ AudioInput openInput (const Job& job, const Options& options)
     return input;
 }
 
-FinishedJob renderJob (const Job& job, const Options& options)
+FinishedJob renderJob (const Job& job, const Options& options, const Sound& sound)
 {
-    const auto processor = makeProcessor (options);
+    const auto processor = makeProcessor (sound);
     auto input = openInput (job, options);
     RenderSettings settings { options.tempo, options.block, options.tailSeconds, {} };
 
@@ -84,8 +93,19 @@ void run (const Options& options)
 {
     // The parameter store has a timer, which wants a message manager to be there. No display is opened.
     const juce::ScopedJuceInitialiser_GUI framework;
-    const auto processor =
-        makeProcessor (options);  // what is wrong with the patch shows before all else
+
+    if (options.listPresets)
+    {
+        print (options.json ? presetJson() : presetList());
+        return;
+    }
+
+    // What is wrong with the patch shows before all else.
+    auto startingSound = readSound (options.preset);
+    const auto patch = makeProcessor (startingSound);
+    applyEdits (*patch, options.edits);
+    const auto sound = soundOf (*patch, options, std::move (startingSound));
+    const auto processor = makeProcessor (sound);
 
     if (options.listParameters)
     {
@@ -99,16 +119,24 @@ void run (const Options& options)
     for (const auto& job : jobs)
         openInput (job, options);  // better now than after an hour's work
 
+    if (options.savePreset)
+    {
+        savePreset (*patch, *options.savePreset);
+
+        if (! options.json)
+            print (options.savePreset->string() + ": preset saved\n");
+    }
+
     for (const auto& job : jobs)
     {
-        finished.push_back (renderJob (job, options));
+        finished.push_back (renderJob (job, options, sound));
 
         if (! options.json)
             print (renderLine (finished.back()));
     }
 
     if (options.json)
-        print (renderJson (finished, options, *processor));
+        print (renderJson (finished, options, sound.preset, *processor));
 }
 
 /** One line, whatever is in the names that it quotes. */

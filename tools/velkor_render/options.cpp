@@ -16,7 +16,7 @@ namespace
 struct RawOptions
 {
     std::vector<std::string> files;
-    std::optional<std::string> preset, midi, tempo, tail, block, rate, bits, format;
+    std::optional<std::string> preset, savePreset, midi, tempo, tail, block, rate, bits, format;
 };
 
 constexpr const char* kDescription =
@@ -30,7 +30,9 @@ constexpr const char* kExamples =
     "plain\n"
     "number, which is always the raw value that --parameters lists. Names ignore case. Whatever "
     "their\n"
-    "order, the preset comes first, then what is taken apart, then what is set and made.\n"
+    "order, the preset comes first, then what is taken apart, then what is set and made. Where a "
+    "file\n"
+    "bears the name of a factory preset, ./NAME is the file.\n"
     "\n"
     "Signal sources:       Input L, Input R, Delay 1, Delay 2, Filter 1, Filter 2, Saturation 1,\n"
     "                      Saturation 2\n"
@@ -47,6 +49,8 @@ constexpr const char* kExamples =
     "                --connect \"Delay 1 > Filter 1\" --connect \"Filter 1 > Output 2\" \\\n"
     "                guitar.wav echo.flac\n"
     "  velkor-render --route \"LFO 1 > Pan 1\" --set \"Pan 1 Mod=50%\" *.wav rendered/\n"
+    "  velkor-render --preset \"Tape Delay\" --set \"Wet Level=-3 dB\" \\\n"
+    "                --save-preset \"Quiet Tape.zbpreset\" --demo tape.wav\n"
     "\n"
     "Exit code: 0 done, 1 something failed, 2 the command line is wrong. An output appears only "
     "once it\n"
@@ -60,8 +64,10 @@ public:
     {
         return "Usage: velkor-render [OPTIONS] INPUT... OUTPUT\n"
                "       velkor-render [OPTIONS] --demo OUTPUT\n"
-               "       velkor-render --parameters [--json] [--preset FILE] [--set "
-               "NAME=VALUE]...\n\n";
+               "       velkor-render [OPTIONS] --save-preset FILE\n"
+               "       velkor-render --parameters [--json] [--preset PRESET] [--set "
+               "NAME=VALUE]...\n"
+               "       velkor-render --list-presets [--json]\n\n";
     }
 };
 
@@ -86,7 +92,8 @@ void addText (CLI::App& app, const char* group, const char* name, std::optional<
 
 void addPatchOptions (CLI::App& app, Options& options, RawOptions& raw)
 {
-    addText (app, "Patch", "--preset", raw.preset, "FILE", "Start from a preset document");
+    addText (app, "Patch", "--preset", raw.preset, "PRESET",
+             "Start from a preset: a file, or a factory preset by its name or number");
     addList (app, "--set", options.edits.set, "NAME=VALUE", "Set a parameter");
     addList (app, "--connect", options.edits.connect, "CABLE",
              "Plug in a signal cable, \"SOURCE > DESTINATION\"");
@@ -96,6 +103,8 @@ void addPatchOptions (CLI::App& app, Options& options, RawOptions& raw)
              "Make a modulation route, \"SOURCE > TARGET\"");
     addList (app, "--unroute", options.edits.unroute, "ROUTE|all",
              "Remove a modulation route, or all");
+    addText (app, "Patch", "--save-preset", raw.savePreset, "FILE",
+             "Write the patch to a preset file, .zbpreset, before anything is rendered");
 }
 
 void addRenderOptions (CLI::App& app, Options& options, RawOptions& raw)
@@ -133,6 +142,8 @@ void setUp (CLI::App& app, Options& options, RawOptions& raw)
         ->group ("Files");
     addPatchOptions (app, options, raw);
     addRenderOptions (app, options, raw);
+    app.add_flag ("--list-presets", options.listPresets, "List the factory presets")
+        ->group ("Information");
     app.add_flag ("--parameters", options.listParameters,
                   "List the parameters, as --preset and --set leave them")
         ->group ("Information");
@@ -203,10 +214,33 @@ void takeNumbers (Options& options, const RawOptions& raw)
         failUsage ("--bits: " + numberText (options.bits) + " is none of 16, 24, 32");
 }
 
+/** A list is all that a run prints, and it makes no file. */
+void checkListAlone (const Options& options, const RawOptions& raw)
+{
+    const std::string list = options.listPresets ? "--list-presets" : "--parameters";
+    const auto refuse = [&list] (const std::string& word)
+    { failUsage (list + " only lists: leave out " + word); };
+
+    if (! raw.files.empty())
+        refuse (inQuotes (raw.files.front()));
+
+    if (options.demo)
+        refuse ("--demo");
+
+    if (raw.savePreset)
+        refuse ("--save-preset");
+
+    if (options.listPresets && options.listParameters)
+        refuse ("--parameters");
+}
+
 void takeFiles (Options& options, const RawOptions& raw)
 {
     if (raw.preset)
         options.preset = *raw.preset;
+
+    if (raw.savePreset)
+        options.savePreset = *raw.savePreset;
 
     if (raw.midi)
         options.midi = *raw.midi;
@@ -214,14 +248,18 @@ void takeFiles (Options& options, const RawOptions& raw)
     if (raw.format)
         options.format = lowerCase (*raw.format);
 
-    if (options.listParameters)
-    {
-        if (! raw.files.empty() || options.demo)
-            failUsage ("--parameters renders nothing: leave out " +
-                       (raw.files.empty() ? "--demo" : inQuotes (raw.files.front())));
+    // A sound file named by mistake is not to be replaced.
+    if (raw.savePreset && ! lowerCase (*raw.savePreset).ends_with (".zbpreset"))
+        failUsage ("--save-preset: " + inQuotes (*raw.savePreset) + " does not end in .zbpreset");
 
+    if (options.listPresets || options.listParameters)
+    {
+        checkListAlone (options, raw);
         return;
     }
+
+    if (raw.savePreset && raw.files.empty() && ! options.demo)
+        return;
 
     const std::size_t fewest = options.demo ? 1 : 2;
 

@@ -9,6 +9,8 @@
 /** Changes to a patch, as the user wrote them. */
 struct PatchEdits
 {
+    bool operator== (const PatchEdits&) const = default;
+
     std::vector<std::string> set;         ///< "Delay 1 Time=750 ms"
     std::vector<std::string> disconnect;  ///< "Delay 1 > Output 1", or "all"
     std::vector<std::string> connect;     ///< "Delay 1 > Filter 1"
@@ -19,12 +21,13 @@ struct PatchEdits
 /** What the command line asks for. Names are not looked up yet, nor is any file. */
 struct Options
 {
-    std::vector<std::filesystem::path> inputs;  ///< none with demo
+    std::vector<std::filesystem::path> inputs;  ///< none with demo, nor where nothing is rendered
     std::string output;                         ///< as written: a slash at its end means something
     bool demo = false;
 
-    std::optional<std::filesystem::path> preset;
+    std::optional<std::string> preset;  ///< a file, or the name or number of a factory preset
     PatchEdits edits;
+    std::optional<std::filesystem::path> savePreset;  ///< ends in ".zbpreset"
 
     double tempo = 120.0;  ///< beats per minute
     std::optional<std::filesystem::path> midi;
@@ -34,6 +37,7 @@ struct Options
     int bits = 24;
     std::optional<std::string> format;  ///< extension of what is written into a folder
 
+    bool listPresets = false;
     bool listParameters = false;
     bool json = false;
 };

@@ -3,6 +3,8 @@
 
 #include "velkor_render/failure.h"
 
+#include <fstream>
+
 juce::File frameworkFile (const std::filesystem::path& path)
 {
     std::error_code error;
@@ -28,4 +30,32 @@ juce::File existingFile (const std::filesystem::path& path)
         fail (path.string() + ": is a folder");
 
     return frameworkFile (path);
+}
+
+std::filesystem::path behindLinks (const std::filesystem::path& path)
+{
+    std::error_code error;
+    const auto target = std::filesystem::canonical (path, error);
+    return error ? path : target;
+}
+
+void makeWay (const std::filesystem::path& destination)
+{
+    std::error_code error;
+    const auto place = behindLinks (destination);
+
+    if (place.has_parent_path())
+        std::filesystem::create_directories (place.parent_path(), error);
+
+    if (error)
+        fail (destination.string() + ": can't be written: " + error.message());
+
+    if (! std::filesystem::exists (place, error))
+        return;
+
+    if (! std::filesystem::is_regular_file (place, error))
+        fail (destination.string() + ": is not a file that can be replaced");
+
+    if (! std::ofstream (place, std::ios::in | std::ios::out))
+        fail (destination.string() + ": is not writable");
 }

@@ -2,6 +2,7 @@
 #include "velkor_render/report.h"
 
 #include "processor/VelkorAudioProcessor.h"
+#include "velkor_render/factory_bank.h"
 #include "velkor_render/options.h"
 #include "velkor_render/parameter_reading.h"
 #include "velkor_render/patch.h"
@@ -149,6 +150,27 @@ std::string parameterJson (const VelkorAudioProcessor& processor)
     return jsonText (list);
 }
 
+std::string presetList()
+{
+    std::string list;
+
+    for (const auto& preset : factoryBank())
+        list += preset.title + "\n";
+
+    return list;
+}
+
+std::string presetJson()
+{
+    juce::var list { juce::Array<juce::var>() };
+
+    for (const auto& preset : factoryBank())
+        list.append (
+            jsonObject ({ { "number", preset.number }, { "name", juce::String (preset.name) } }));
+
+    return jsonText (list);
+}
+
 std::string renderLine (const FinishedJob& finished)
 {
     char length[32];
@@ -160,7 +182,7 @@ std::string renderLine (const FinishedJob& finished)
 }
 
 std::string renderJson (const std::vector<FinishedJob>& finished, const Options& options,
-                        const VelkorAudioProcessor& processor)
+                        const std::string& preset, const VelkorAudioProcessor& processor)
 {
     juce::var files { juce::Array<juce::var>() };
 
@@ -181,7 +203,8 @@ std::string renderJson (const std::vector<FinishedJob>& finished, const Options&
                                                     processor.paramValues[i]->load());
 
     const auto settings =
-        jsonObject ({ { "preset", nameOf (options.preset.value_or ("")) },
+        jsonObject ({ { "preset", nameOf (preset) },
+                      { "savedPreset", nameOf (options.savePreset.value_or ("")) },
                       { "midi", nameOf (options.midi.value_or ("")) },
                       { "tempo", options.tempo },
                       { "block", options.block },

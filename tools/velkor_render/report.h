@@ -24,9 +24,16 @@ std::string parameterTable (const VelkorAudioProcessor& processor);
 /** The parameters as a JSON list. */
 std::string parameterJson (const VelkorAudioProcessor& processor);
 
+/** The factory presets, one a line, each in a form that --preset takes. */
+std::string presetList();
+
+/** The factory presets as a JSON list. */
+std::string presetJson();
+
 /** One line on a render. */
 std::string renderLine (const FinishedJob& finished);
 
-/** All renders, and the settings and the patch that they have in common, as JSON. */
+/** All renders, and the settings and the patch that they have in common, as JSON. preset is what the patch
+    started from; empty if it is a new instance's. */
 std::string renderJson (const std::vector<FinishedJob>& finished, const Options& options,
-                        const VelkorAudioProcessor& processor);
+                        const std::string& preset, const VelkorAudioProcessor& processor);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-#include "legal_state.h"
+#include "state/legal_state.h"
 #include "state/state_carriers.h"
-#include "state_fixture.h"
+#include "state/state_fixture.h"
 #include "support/duel.h"
 
 #include <atomic>
