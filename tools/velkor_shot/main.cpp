@@ -114,13 +114,13 @@ int shoot (const ShotOptions& options)
 
 int main (int argc, char** argv)
 {
-    ShotOptions options;
-
-    if (const auto code = readOptions (argc, argv, options))
-        return *code;
-
     try
     {
+        ShotOptions options;
+
+        if (const auto code = readOptions (argc, argv, options))
+            return *code;
+
         const PrivateHome home;
         const juce::ScopedJuceInitialiser_GUI framework;
         return shoot (options);
