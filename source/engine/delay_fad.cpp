@@ -22,7 +22,7 @@ void delay_fad_init (DelayFad& line) noexcept
     line.buffer = static_cast<float*> (std::calloc (kSlotsAtConstruction, sizeof (float)));
     line.bufferSize = line.buffer != nullptr ? kSlotsAtConstruction : 0;
 
-    const float rate = load (gAudioSamplingRate);
+    const float rate = loadRelaxed (gAudioSamplingRate);
     line.maxTimeMs =
         static_cast<std::uint64_t> (static_cast<float> (kSlotsAtConstruction) / (rate * 0.001f));
     const std::uint64_t half = line.maxTimeMs >> 1;
@@ -40,7 +40,7 @@ void delay_fad_free (DelayFad& line) noexcept
 
 void delay_fad_prepare (DelayFad& line) noexcept
 {
-    const float perMs = load (gSamplesPerMillisecond);
+    const float perMs = loadRelaxed (gSamplesPerMillisecond);
     const auto slots =
         static_cast<std::uint64_t> (static_cast<float> (line.maxTimeMs) * perMs + 1.0f);
 
@@ -90,7 +90,8 @@ void delay_fad_set_time (DelayFad& line, bool synced, std::int32_t mult, float t
     t = t < 12000.0f ? t : 12000.0f;
     line.timeMs = t < 2.0f ? 2.0f : t;
 
-    const auto samples = static_cast<std::uint64_t> (line.timeMs * load (gSamplesPerMillisecond));
+    const auto samples =
+        static_cast<std::uint64_t> (line.timeMs * loadRelaxed (gSamplesPerMillisecond));
 
     if (samples != line.delaySamples)
     {
@@ -110,11 +111,14 @@ struct ReadPoint
     float fraction;
 };
 
-/** A head that stands outside takes slot 0: rounding puts a reversed one exactly at the buffer's end now and
-    then, and a delay longer than the buffer (another instance raised the global rate) can put it anywhere. A
-    position that is no number, or too large to count in, as a rate of a few hertz gives, is put back to 0 as well. */
-static ReadPoint readPointOf (DelayFad& line, float r, float size) noexcept
+/** Moves the read head to r and tells where it reads. A head that stands outside takes slot 0: rounding puts a
+    reversed one exactly at the buffer's end now and then, and a delay longer than the buffer (another instance
+    raised the global rate) can put it anywhere. A position that is no number, or too large to count in, as a rate
+    of a few hertz gives, is put back to 0 as well. */
+static ReadPoint takeReadPoint (DelayFad& line, float r, float size) noexcept
 {
+    line.readPos = r;
+
     if (r >= 0.0f && r < size)
     {
         const auto slot = static_cast<std::int64_t> (r);
@@ -184,8 +188,7 @@ static float runForward (DelayFad& line, float in, float r, float w, float readS
     if (r >= size)
         r = r - size;
 
-    line.readPos = r;
-    const auto [i, f] = readPointOf (line, r, size);
+    const auto [i, f] = takeReadPoint (line, r, size);
     const std::int64_t j = i + 1 < slots ? i + 1 : 0;
     line.out = (1.0f - f) * line.buffer[i] + f * line.buffer[j];
 
@@ -213,8 +216,7 @@ static float runBackward (DelayFad& line, float in, float r, float w, float read
     if (r < 0.0f)
         r = r + size;
 
-    line.readPos = r;
-    const auto [i, f] = readPointOf (line, r, size);
+    const auto [i, f] = takeReadPoint (line, r, size);
     const std::int64_t j = i == 0 ? slots - 1 : i - 1;
     line.out = (1.0f - f) * line.buffer[i] + f * line.buffer[j] + line.thru * in;
 

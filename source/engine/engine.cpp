@@ -100,7 +100,7 @@ void engine_set_connection (VelkorEngine& engine, int source, int destination, b
         return;
 
     if (auto* filter = filterBehind (engine, destination))
-        filter_multimode_connect (*filter, edit == MatrixEdit::firstOrFurtherConnection);
+        filter_multimode_connect (*filter, edit == MatrixEdit::connectionMade);
 }
 
 void engine_replace_connections (VelkorEngine& engine, std::span<const SignalPair> pairs) noexcept

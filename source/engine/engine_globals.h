@@ -18,7 +18,7 @@ extern std::atomic<float> gSamplesPerMillisecond;
 void setAudioSamplingRate (double sampleRate) noexcept;
 
 /** Reads one of the globals; a plain load on every machine that the plug-in runs on. */
-inline float load (const std::atomic<float>& value) noexcept
+inline float loadRelaxed (const std::atomic<float>& value) noexcept
 {
     return value.load (std::memory_order_relaxed);
 }

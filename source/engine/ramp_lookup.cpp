@@ -8,7 +8,7 @@
 
 static std::uint64_t ticksOf (float seconds) noexcept
 {
-    const auto count = static_cast<std::uint64_t> (seconds * load (gAudioSamplingRate));
+    const auto count = static_cast<std::uint64_t> (seconds * loadRelaxed (gAudioSamplingRate));
     return count == 0 ? 1 : count;
 }
 

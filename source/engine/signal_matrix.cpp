@@ -50,7 +50,7 @@ MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination
         const auto end = static_cast<std::size_t> (matrix.connectionCount++);
         matrix.connSource[end] = source;
         matrix.connDest[end] = destination;
-        return MatrixEdit::firstOrFurtherConnection;
+        return MatrixEdit::connectionMade;
     }
 
     if (found >= 0)

@@ -57,7 +57,7 @@ struct SignalMatrix
 enum class MatrixEdit
 {
     unchanged,
-    firstOrFurtherConnection,  ///< a pair was appended
+    connectionMade,     ///< a pair was appended
     lastConnectionGone  ///< a pair was removed and none is left that leads to its destination
 };
 
