@@ -17,6 +17,7 @@ void ramp_init (RampGenerator& ramp) noexcept
     ramp = {};
     ramp.upCount = ticksOf (ramp.upTime);
     ramp.downCount = ticksOf (ramp.downTime);
+    ramp.reciprocal = 1.0f / static_cast<float> (ramp.upCount);
 }
 
 float rampTick (RampGenerator& ramp, float x) noexcept
