@@ -16,6 +16,7 @@ struct Patch
     bool isModulated = false;  ///< all 60 routes, and every modulation amount other than 0
     bool isReversed = false;   ///< both lines
     float speed1 = 1.0f, speed2 = 1.0f;  ///< of the two lines' heads, 0.5 to 1.5
+    bool isRunningAway = false;          ///< beyond all numbers within 64 frames, in every block
 };
 
 inline constexpr std::array kPatches {
@@ -30,7 +31,10 @@ inline constexpr std::array kPatches {
     // clang-format on
 };
 
-/** The patch of that name; empty if there is none. */
+/** The default patch and saturators that feed themselves and each other. */
+inline constexpr Patch kRunaway { .name = "runaway", .isRunningAway = true };
+
+/** The patch of that name among kPatches; empty if there is none. */
 std::optional<Patch> findPatch (std::string_view name) noexcept;
 
 /** White noise at a tenth of full scale, the same at every run. */
@@ -43,8 +47,8 @@ public:
     /** Prepared and past its first block, which brings in the MIDI. Message thread. */
     PatchedInstance (const Patch& patch, double sampleRate, int blockSize);
 
-    /** One block. False if the patch ran away and was silenced: then its time says nothing. Includes
-        copying the noise, two blocks' worth of memcpy. Any one thread at a time; allocates nothing. */
+    /** One block. False if the patch ran away and was silenced: then its time says nothing about a patch that
+        is to keep sounding. Includes copying the noise, two blocks' worth of memcpy. Any one thread at a time; allocates nothing. */
     bool process();
 
 private:

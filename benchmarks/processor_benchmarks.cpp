@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "counters.h"
+#include "engine/engine_globals.h"
 #include "patches.h"
 
 #include <benchmark/benchmark.h>
@@ -46,3 +47,37 @@ BENCHMARK_CAPTURE (processBlock, everything, "everything")->Apply (sizesAndRates
 BENCHMARK_CAPTURE (processBlock, fractional, "fractional")->Apply (usualSizeAndRate);
 BENCHMARK_CAPTURE (processBlock, reversed, "reversed")->Apply (usualSizeAndRate);
 BENCHMARK_CAPTURE (processBlock, modulated, "modulated")->Apply (usualSizeAndRate);
+
+/** The worst that a block can bring: it runs away, and all that sounds is cleared at its end. */
+static void runawayBlock (benchmark::State& state)
+{
+    const auto blockSize = static_cast<int> (state.range (0));
+    const auto sampleRate = static_cast<double> (state.range (1));
+    setAudioSamplingRate (44100.0);  // as a new process has it: the buffers grow with the rate then
+    PatchedInstance runaway (kRunaway, sampleRate, blockSize);
+    PatchedInstance usual (*findPatch ("default"), sampleRate, blockSize);
+    const Stopwatch ofRunaway;
+
+    for (auto _ : state)
+        if (runaway.process())
+        {
+            state.SkipWithError ("the patch did not run away");
+            return;
+        }
+
+    const double runawayNs = ofRunaway.nanoseconds();
+    const Stopwatch ofUsual;
+
+    for (benchmark::IterationCount i = 0; i < state.iterations(); ++i)
+        usual.process();
+
+    const double perBlock = runawayNs / static_cast<double> (state.iterations());
+    state.counters["us/block"] = perBlock * 1.0e-3;
+    state.counters["%realtime"] = perBlock * 1.0e-9 * sampleRate / blockSize * 100.0;
+    state.counters["times default"] = runawayNs / ofUsual.nanoseconds();
+}
+
+BENCHMARK (runawayBlock)
+    ->ArgNames ({ "block", "rate" })
+    ->Args ({ 512, 48000 })
+    ->Args ({ 64, 192000 });

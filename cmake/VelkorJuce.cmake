@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: AGPL-3.0-or-later
 
 if(NOT EXISTS "${VELKOR_JUCE_DIR}/CMakeLists.txt")
-    message(FATAL_ERROR "No JUCE source tree in ${VELKOR_JUCE_DIR}: run scripts/setup, or pass -DVELKOR_JUCE_DIR=<checkout of JUCE 8>")
+    message(FATAL_ERROR "No JUCE source tree in ${VELKOR_JUCE_DIR}: "
+        "run scripts/setup, or pass -DVELKOR_JUCE_DIR=<checkout of JUCE 8>")
 endif()
 
 file(STRINGS "${VELKOR_JUCE_DIR}/CMakeLists.txt" velkor_juce_project REGEX "^project\\(JUCE VERSION 8\\.")

@@ -5,9 +5,9 @@
 
 // Packs the presets below a folder into an archive that is the same, to the byte, wherever it is made.
 
-/** Adds the presets of a subfolder, sorted by the bytes of their names. */
-static void addFolder (juce::ZipFile::Builder& archive, const juce::File& root,
-                       const juce::String& name)
+/** Adds the presets of a subfolder, sorted by the bytes of their names, and tells how many there were. */
+static int addFolder (juce::ZipFile::Builder& archive, const juce::File& root,
+                      const juce::String& name)
 {
     juce::StringArray names;
 
@@ -24,6 +24,8 @@ static void addFolder (juce::ZipFile::Builder& archive, const juce::File& root,
         archive.addEntry (
             root.getChildFile (name).getChildFile (fileName).createInputStream().release(), 9,
             name + "/" + fileName, stamp);
+
+    return names.size();
 }
 
 int main (int argc, char** argv)
@@ -39,8 +41,14 @@ int main (int argc, char** argv)
     const auto target = here.getChildFile (juce::String::fromUTF8 (argv[2]));
 
     juce::ZipFile::Builder archive;
-    addFolder (archive, root, "Factory");
-    addFolder (archive, root, "User");
+    int count = addFolder (archive, root, "Factory");
+    count += addFolder (archive, root, "User");
+
+    if (count == 0)
+    {
+        std::cerr << "no presets below " << root.getFullPathName() << '\n';
+        return 1;
+    }
 
     juce::MemoryOutputStream bytes;
 

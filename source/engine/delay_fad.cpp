@@ -4,7 +4,8 @@
 #include "engine/engine_globals.h"
 #include "engine/sync_beats.h"
 
-#include <cmath>
+#include <algorithm>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 
@@ -16,13 +17,28 @@ static void placeHeads (DelayFad& line) noexcept
     line.writePos = static_cast<float> (line.delaySamples) - 1.0f;
 }
 
+/** Marks all of a new buffer as written, so that the first clearing touches each of its pages: a block that came
+    first to a page would wait for the system to supply it. */
+static void markWhole (DelayFad& line) noexcept
+{
+    const std::uint64_t last = line.bufferSize - 1;
+    line.markShift = std::max (0, static_cast<int> (std::bit_width (last / kNumWrittenMarks)));
+    line.written.fill (false);
+    std::fill_n (line.written.begin(), (last >> line.markShift) + 1, true);
+}
+
 void delay_fad_init (DelayFad& line) noexcept
 {
     line = {};
     line.buffer = static_cast<float*> (std::calloc (kSlotsAtConstruction, sizeof (float)));
-    line.bufferSize = line.buffer != nullptr ? kSlotsAtConstruction : 0;
 
-    const float rate = load (gAudioSamplingRate);
+    if (line.buffer != nullptr)
+    {
+        line.bufferSize = kSlotsAtConstruction;
+        markWhole (line);
+    }
+
+    const float rate = loadRelaxed (gAudioSamplingRate);
     line.maxTimeMs =
         static_cast<std::uint64_t> (static_cast<float> (kSlotsAtConstruction) / (rate * 0.001f));
     const std::uint64_t half = line.maxTimeMs >> 1;
@@ -40,14 +56,14 @@ void delay_fad_free (DelayFad& line) noexcept
 
 void delay_fad_prepare (DelayFad& line) noexcept
 {
-    const float perMs = load (gSamplesPerMillisecond);
+    const float perMs = loadRelaxed (gSamplesPerMillisecond);
     const auto slots =
         static_cast<std::uint64_t> (static_cast<float> (line.maxTimeMs) * perMs + 1.0f);
 
     if (slots == line.bufferSize)
         return;
 
-    // Not realloc: nothing of the old content is wanted, and calloc's pages cost nothing until touched.
+    // Not realloc: nothing of the old content is wanted, and if this fails the old buffer is to stay.
     auto* const buffer = static_cast<float*> (std::calloc (slots, sizeof (float)));
 
     if (buffer == nullptr)
@@ -56,6 +72,7 @@ void delay_fad_prepare (DelayFad& line) noexcept
     std::free (line.buffer);
     line.buffer = buffer;
     line.bufferSize = slots;
+    markWhole (line);
     line.delaySamples = static_cast<std::uint64_t> (line.timeMs * perMs);
     placeHeads (line);
     line.lastIn = 0.0f;
@@ -63,10 +80,30 @@ void delay_fad_prepare (DelayFad& line) noexcept
     line.writeRate = 1.0f;
 }
 
+static void clearWritten (DelayFad& line) noexcept
+{
+    bool* const begin = line.written.data();
+    bool* const end = begin + line.written.size();
+    const std::uint64_t stretch = std::uint64_t { 1 } << line.markShift;
+
+    // memchr, since the marks that are set are few: a loop that looks at each takes longer than the rest.
+    static_assert (sizeof (bool) == 1);
+    auto* mark = begin;
+
+    while (auto* const found = std::memchr (mark, 1, static_cast<std::size_t> (end - mark)))
+    {
+        mark = static_cast<bool*> (found);
+        *mark = false;
+        const auto from = static_cast<std::uint64_t> (mark - begin) << line.markShift;
+        const std::uint64_t count = std::min (stretch, line.bufferSize - from);
+        std::memset (line.buffer + from, 0, count * sizeof (float));
+    }
+}
+
 void delay_fad_clear (DelayFad& line) noexcept
 {
     if (line.buffer != nullptr)
-        std::memset (line.buffer, 0, line.bufferSize * sizeof (float));
+        clearWritten (line);
 
     placeHeads (line);
 }
@@ -90,7 +127,8 @@ void delay_fad_set_time (DelayFad& line, bool synced, std::int32_t mult, float t
     t = t < 12000.0f ? t : 12000.0f;
     line.timeMs = t < 2.0f ? 2.0f : t;
 
-    const auto samples = static_cast<std::uint64_t> (line.timeMs * load (gSamplesPerMillisecond));
+    const auto samples =
+        static_cast<std::uint64_t> (line.timeMs * loadRelaxed (gSamplesPerMillisecond));
 
     if (samples != line.delaySamples)
     {
@@ -110,11 +148,14 @@ struct ReadPoint
     float fraction;
 };
 
-/** A head that stands outside takes slot 0: rounding puts a reversed one exactly at the buffer's end now and
-    then, and a delay longer than the buffer (another instance raised the global rate) can put it anywhere. A
-    position that is no number, or too large to count in, as a rate of a few hertz gives, is put back to 0 as well. */
-static ReadPoint readPointOf (DelayFad& line, float r, float size) noexcept
+/** Moves the read head to r and tells where it reads. A head that stands outside takes slot 0: rounding puts a
+    reversed one exactly at the buffer's end now and then, and a delay longer than the buffer (another instance
+    raised the global rate) can put it anywhere. A position that is no number, or too large to count in, as a rate
+    of a few hertz gives, is put back to 0 as well. */
+static ReadPoint takeReadPoint (DelayFad& line, float r, float size) noexcept
 {
+    line.readPos = r;
+
     if (r >= 0.0f && r < size)
     {
         const auto slot = static_cast<std::int64_t> (r);
@@ -142,6 +183,12 @@ static float writtenValue (const DelayFad& line, float in, float a, std::int64_t
     }
 
     return v;
+}
+
+static void writeSlot (DelayFad& line, std::int64_t slot, float value) noexcept
+{
+    line.buffer[slot] = value;
+    line.written[static_cast<std::uint64_t> (slot) >> line.markShift] = true;
 }
 
 /** The next whole number at or below x, which is no further out than a head can be. Without the library's
@@ -184,8 +231,7 @@ static float runForward (DelayFad& line, float in, float r, float w, float readS
     if (r >= size)
         r = r - size;
 
-    line.readPos = r;
-    const auto [i, f] = readPointOf (line, r, size);
+    const auto [i, f] = takeReadPoint (line, r, size);
     const std::int64_t j = i + 1 < slots ? i + 1 : 0;
     line.out = (1.0f - f) * line.buffer[i] + f * line.buffer[j];
 
@@ -197,7 +243,7 @@ static float runForward (DelayFad& line, float in, float r, float w, float readS
     for (std::int64_t c = start; w > static_cast<float> (c); ++c)
     {
         a = a + share;
-        line.buffer[wrapped (c, slots)] = writtenValue (line, in, a, i);
+        writeSlot (line, wrapped (c, slots), writtenValue (line, in, a, i));
     }
 
     return w >= size ? w - size : w;
@@ -213,8 +259,7 @@ static float runBackward (DelayFad& line, float in, float r, float w, float read
     if (r < 0.0f)
         r = r + size;
 
-    line.readPos = r;
-    const auto [i, f] = readPointOf (line, r, size);
+    const auto [i, f] = takeReadPoint (line, r, size);
     const std::int64_t j = i == 0 ? slots - 1 : i - 1;
     line.out = (1.0f - f) * line.buffer[i] + f * line.buffer[j] + line.thru * in;
 
@@ -230,7 +275,7 @@ static float runBackward (DelayFad& line, float in, float r, float w, float read
             c = slots;
 
         a = a + share;
-        line.buffer[c > slots ? (c - 1) % slots : c - 1] = writtenValue (line, in, a, i);
+        writeSlot (line, c > slots ? (c - 1) % slots : c - 1, writtenValue (line, in, a, i));
         c = c - 1;
     }
 

@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 /** The multipliers of Delay N Multiplier, by its choice index. */
 inline constexpr std::int32_t multTable[4] = { 1, 2, 4, 8 };
+
+/** How many stretches a line's buffer is divided into, at most, to remember which hold sound. */
+inline constexpr std::size_t kNumWrittenMarks = 1024;
 
 /** A tape-like delay line: one circular buffer under a read and a write head that both move at a variable,
     fractional rate. There is no crossfade: a new time makes the read head run faster or slower until the
@@ -31,21 +36,26 @@ struct DelayFad
     bool reverseRequest = false;   ///< direction asked for
     bool loop = false;             ///< recirculate the buffer at unity
     float thru = 0.0f;             ///< 1 while the line is bypassed, else 0
-    float out = 0.0f;  ///< result of the last delay_fad_dsp; the next sample takes it up
+    float out = 0.0f;    ///< result of the last delay_fad_dsp; the next sample takes it up
+    int markShift = 63;  ///< a mark stands for 2 to this power slots; as it is here, one for all
+    std::array<bool, kNumWrittenMarks> written {};  ///< where slots may be other than 0
 };
 
-/** Allocates the buffer for the global sample rate and sets the heads. Any thread. */
+/** Allocates the buffer for the global sample rate and sets the heads; without memory the line stays silent. Any
+    thread, before the first block. */
 void delay_fad_init (DelayFad& line) noexcept;
 
-/** Frees the buffer. */
+/** Frees the buffer, which leaves the line silent. Any thread, after the last block. */
 void delay_fad_free (DelayFad& line) noexcept;
 
 /** Sizes the buffer for the global sample rate, and if that changes its length sets heads, rates and last
     input anew. The longest time in milliseconds stays what delay_fad_init found. If memory runs out, buffer
-    and length stay as they are. Not beside a block. */
+    and length stay as they are. Any thread, not beside a block. */
 void delay_fad_prepare (DelayFad& line) noexcept;
 
-/** Silences the buffer and puts both heads back. Leaves out, lastIn and a pending reset alone. */
+/** Silences the buffer and puts both heads back; the direction, out, lastIn and a pending reset stay. The time
+    that it takes goes with what was written since the last call; the first one after an allocation goes through
+    the whole buffer. Allocates nothing. Any thread while no block runs, or the audio thread. */
 void delay_fad_clear (DelayFad& line) noexcept;
 
 /** Sets the time of the coming block: mult times either the beat length at position timeNorm (synced, at
@@ -59,7 +69,8 @@ void delay_fad_set_time (DelayFad& line, bool synced, std::int32_t mult, float t
 void delay_fad_dsp (DelayFad& line, float in) noexcept;
 
 /** The soft limit on what a feedback destination x brings back into its line, times amount (0 to 1): a
-    cubic that meets 0.76 at x = 1 with no slope, so that feedback near 1 builds up but can't run away. */
+    cubic that meets 0.76 at x = 1 with no slope, so that feedback near 1 builds up but can't run away. Any
+    thread: no state. */
 inline float feedbackShape (float amount, float x) noexcept
 {
     if (x > 1.0f)

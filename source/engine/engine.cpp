@@ -3,7 +3,7 @@
 
 #include "engine/engine_globals.h"
 
-#include <cmath>
+#include <array>
 #include <cstdlib>
 
 static FilterMultimode* filterBehind (VelkorEngine& engine, int destination) noexcept
@@ -57,7 +57,7 @@ VelkorEngine::~VelkorEngine()
 
 void engine_prepare (VelkorEngine& engine, double sampleRate) noexcept
 {
-    if (! (sampleRate > 0.0) || ! std::isfinite (sampleRate))
+    if (! (sampleRate >= 1.0 && sampleRate < 1.0e9))
         return;
 
     engine.sampleRate = sampleRate;
@@ -100,7 +100,7 @@ void engine_set_connection (VelkorEngine& engine, int source, int destination, b
         return;
 
     if (auto* filter = filterBehind (engine, destination))
-        filter_multimode_connect (*filter, edit == MatrixEdit::firstOrFurtherConnection);
+        filter_multimode_connect (*filter, edit == MatrixEdit::connectionMade);
 }
 
 void engine_replace_connections (VelkorEngine& engine, std::span<const SignalPair> pairs) noexcept

@@ -11,6 +11,9 @@
 #include "engine/router_panner.h"
 #include "engine/signal_matrix.h"
 
+#include <cstdint>
+#include <span>
+
 /** What the parameters say, rewritten at the head of every block (parameter_binding); N is 1 or 2. */
 struct BlockValues
 {
@@ -69,12 +72,15 @@ struct VelkorEngine
     VelkorEngine& operator= (const VelkorEngine&) = delete;
 };
 
-/** Sets this instance's and the global sample rate in hertz (a rate that is no positive number is ignored)
-    and clears the signal state. Not beside a block; takes no lock. */
+/** Sets this instance's and the global sample rate in hertz and clears the signal state. A rate that is no number
+    from 1 up to below 1.0e9 is ignored: the lengths worked out of it would not fit their types. Any thread, not
+    beside a block; takes no lock; allocates where the rate changes the delay buffers' length. */
 void engine_prepare (VelkorEngine& engine, double sampleRate) noexcept;
 
-/** Silences the signal state: buffers, heads, filters, envelope, gate, held notes, node values, LFO phases.
-    Connections, routes and LFO records stay. Not beside a block. */
+/** Silences the signal state: delay buffers and heads (delay_fad_clear), filters, envelope, gate, held notes, node
+    values, LFO phases. Connections, routes, LFO records, ramps, note value, wheel and the modulation sources stay,
+    and so do the last input and output of each delay line. Takes no lock and allocates nothing. Any thread while no
+    block runs; the audio thread at the end of a block that ran away. */
 void engine_clear (VelkorEngine& engine) noexcept;
 
 /** Makes or breaks a connection of the signal matrix, with its effect on a filter that gains or loses its

@@ -70,8 +70,15 @@ static void updateModulation (VelkorEngine& engine, LfoPlan& plan1, LfoPlan& pla
 
 static void setFilter (FilterMultimode& filter, FreqLookup& scale, float position) noexcept
 {
-    scale.output = tableLookup (scale.size, scale.table, limitTo (0.0f, 1.0f, position));
-    setCoef (filter, scale.output);
+    float freq = filter.freq;  // stays if there was no memory for the table
+
+    if (scale.table != nullptr)
+    {
+        scale.output = tableLookup (scale.size, scale.table, limitTo (0.0f, 1.0f, position));
+        freq = scale.output;
+    }
+
+    setCoef (filter, freq);
     setDamp (filter);
 }
 

@@ -7,7 +7,7 @@
 
 static float coefOf (float seconds) noexcept
 {
-    const float samples = seconds * load (gAudioSamplingRate);
+    const float samples = seconds * loadRelaxed (gAudioSamplingRate);
     return static_cast<float> (std::exp (-1.0 / static_cast<double> (samples)));
 }
 

@@ -21,10 +21,11 @@ void envelope_follower_set_times (EnvelopeFollower& env, float attackSeconds,
                                   float decaySeconds) noexcept;
 
 /** Recomputes the coefficients from the stored times for the global sample rate. A time of 0 gives 0: the
-    follower jumps to its input. */
+    follower jumps to its input. Audio thread, or any thread while no block runs. */
 void envelope_follower_set_rate (EnvelopeFollower& env) noexcept;
 
-/** One tick with the detector's sum x of |left| + |right| over the tick's samples; returns the state. */
+/** One tick with the detector's sum x of |left| + |right| over the tick's samples; returns the state. Audio thread,
+    lock-free. */
 inline float envelope_follower_dsp (EnvelopeFollower& env, float x) noexcept
 {
     env.envInput = x;

@@ -18,7 +18,7 @@ void filter_multimode_init (FilterMultimode& filter) noexcept
 
 void setCoef (FilterMultimode& filter, float freq) noexcept
 {
-    const float rate = load (gAudioSamplingRate);
+    const float rate = loadRelaxed (gAudioSamplingRate);
     const auto twiceTheRate = static_cast<double> (rate + rate);
 
     filter.freq = freq;

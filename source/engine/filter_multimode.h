@@ -9,33 +9,35 @@
     filter_multimode_init once; the audio thread's, but for active (see filter_multimode_connect). */
 struct FilterMultimode
 {
-    float freq = 1000.0f;   ///< cut-off in hertz, modulation included
-    float reso = 0.0f;      ///< 0 to 10; at 10 the filter rings on its own
-    double coef = 0.0;      ///< frequency coefficient, 0 to 0.25
-    double q = 0.0;         ///< reso * 0.1
-    double resoDamp = 2.0;  ///< what q asks of the damping, 2 (1 - q^0.25)
-    double damp = 0.0;      ///< damping, 0 to 2
-    double low = 0.0;       ///< state
-    double high = 0.0;      ///< last value, not read back
-    double band = 0.0;      ///< state
-    double notch = 0.0;     ///< last value, not read back
-    float mode = 0.0f;      ///< position of the morph, 0 to 1
-    float lowMix = 0.0f;    ///< the four weights add up to 1
+    float freq = 1000.0f;  ///< cut-off in hertz, modulation included
+    float reso = 0.0f;     ///< 0 to 10; at 10 the filter rings on its own
+    double coef = 0.0;     ///< frequency coefficient, 0 to 0.25
+    double q = 0.0;        ///< reso * 0.1
+    double damp = 0.0;     ///< damping, 0 to 2
+    double low = 0.0;      ///< state
+    double high = 0.0;     ///< last value, not read back
+    double band = 0.0;     ///< state
+    double notch = 0.0;    ///< last value, not read back
+    float mode = 0.0f;     ///< position of the morph, 0 to 1
+    float lowMix = 0.0f;   ///< the four weights add up to 1
     float highMix = 0.0f;
     float bandMix = 0.0f;
     float notchMix = 1.0f;
     float out = 0.0f;         ///< result of the last call; the next sample takes it up
     std::int32_t active = 0;  ///< 1 while a connection leads here; it is run regardless
+    double resoDamp = 2.0;  ///< 2 (1 - q^0.25): follows from q, kept so that no tick takes the root
 };
 
-/** Works out coefficient and damping of a new record for the global sample rate. */
+/** Works out coefficient and damping of a new record for the global sample rate. Any thread, before the first
+    block. */
 void filter_multimode_init (FilterMultimode& filter) noexcept;
 
 /** Sets the cut-off in hertz and the coefficient for the global sample rate. The coefficient stops rising at
-    0.25, a cut-off of about 0.08 of the sample rate: that is the filter's range. */
+    0.25, a cut-off of about 0.08 of the sample rate: that is the filter's range. Audio thread, or any thread while
+    no block runs. */
 void setCoef (FilterMultimode& filter, float freq) noexcept;
 
-/** Recomputes the damping from coef and resoDamp. Audio thread. */
+/** Recomputes the damping from coef and resoDamp. Audio thread, or any thread while no block runs. */
 void setDamp (FilterMultimode& filter) noexcept;
 
 /** Resonance 0 to 10 and morph position 0 to 1 of the coming block: notch at 0, lowpass at 1/3, bandpass at
@@ -47,7 +49,8 @@ void filter_multimode_set_response (FilterMultimode& filter, float reso, float m
     here as well would change nothing and race. Caller holds connectionLock. */
 void filter_multimode_connect (FilterMultimode& filter, bool isConnected) noexcept;
 
-/** Zeroes state, outputs and damping; the next block's set-up brings the damping back. */
+/** Zeroes state, outputs and damping; the next block's set-up brings the damping back. Audio thread, or any thread
+    while no block runs. */
 void filter_multimode_clear (FilterMultimode& filter) noexcept;
 
 /** One sample; the result is in filter.out. renormal is a tiny offset against denormal numbers: its value
@@ -94,5 +97,6 @@ inline void filter_multimode_dsp_morph (FilterMultimode& filter, float in, float
     once and hands the sign on by itself, and nothing shared is written while audio runs. */
 extern std::atomic<float> gFilterRenormal;
 
-/** One sample of a filter by itself: takes gFilterRenormal and leaves it flipped. */
+/** One sample of a filter by itself: takes gFilterRenormal and leaves it flipped. Any thread that has the filter to
+    itself; lock-free. Two threads at once may take the same sign. */
 void filter_multimode_dsp_morph (FilterMultimode& filter, float in) noexcept;

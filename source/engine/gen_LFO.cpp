@@ -97,7 +97,7 @@ void gen_LFO_set_rate (GenLFO& lfo, float rateHz) noexcept
         return;
 
     lfo.freq = freq;
-    lfo.phaseIncrement = freq * load (gAudioSamplingRateReciprocal);
+    lfo.phaseIncrement = freq * loadRelaxed (gAudioSamplingRateReciprocal);
 }
 
 /** x as an integer, toward zero; 0 for what is too far out to have a phase at all. */

@@ -36,7 +36,8 @@ struct GenLFO
     float output = 0.0f;        ///< the latest value
 };
 
-/** Builds the table and sets the record to its start: every LFO draws the same random sequence. */
+/** Builds the table and sets the record to its start: every LFO draws the same random sequence. Any thread, before
+    the first block. */
 void gen_LFO_init (GenLFO& lfo) noexcept;
 
 /** Takes a generator kind; a new one recomputes the shape. Audio thread, once per block. */
@@ -70,13 +71,13 @@ struct LfoBlock
 };
 
 /** The plan of a free-running LFO of rateHz that stands at phase. It makes two cycles per second and hertz;
-    the display shows the parameter, and both are to stay. */
+    the display shows the parameter, and both are to stay. Any thread: no state. */
 LfoPlan gen_LFO_plan_free (const LfoBlock& block, float rateHz, double phase) noexcept;
 
 /** The plan of a synced LFO: a cycle lasts the beat length at the reverse of rateNorm, 0 to 1, and the
-    phase follows the host's position. */
+    phase follows the host's position. Any thread: no state. */
 LfoPlan gen_LFO_plan_synced (const LfoBlock& block, float rateNorm) noexcept;
 
 /** A phase after taking 1 away as long as it is above 1, in constant time: each subtraction is exact, so the
-    result is the closed form's to the bit. Negative phases stay as they are. */
+    result is the closed form's to the bit. Negative phases stay as they are. Any thread: no state. */
 double gen_LFO_reduce (double phase) noexcept;

@@ -20,5 +20,5 @@ struct MidiSources
 bool midi_sources_event (MidiSources& midi, std::uint8_t status, std::uint8_t data1,
                          std::uint8_t data2) noexcept;
 
-/** Lets go of all notes. Note value and wheel stay. */
+/** Lets go of all notes. Note value and wheel stay. Audio thread, or any thread while no block runs. */
 void midi_sources_clear (MidiSources& midi) noexcept;

@@ -87,7 +87,7 @@ void mod_router_set (ModMatrix& matrix, int source, int dest, bool on)
     if (! isInRange (source, dest))
         return;
 
-    matrix.modGrid[gridIndex (source, dest)] = on;
+    matrix.modGrid[gridIndex (source, dest)].store (on, std::memory_order_relaxed);
 
     if (on)
         matrix.router.setGain (source, dest, 1.0f);
@@ -98,7 +98,7 @@ void mod_router_set (ModMatrix& matrix, int source, int dest, bool on)
 void mod_router_replace (ModMatrix& matrix, std::span<const ModPair> pairs)
 {
     zb::ModRouterCore router;
-    decltype (matrix.modGrid) grid {};
+    std::array<bool, kNumModSources * kNumModDests> grid {};
 
     for (const auto& [source, dest] : pairs)
         if (isInRange (source, dest))
@@ -108,13 +108,16 @@ void mod_router_replace (ModMatrix& matrix, std::span<const ModPair> pairs)
         }
 
     const juce::SpinLock::ScopedLockType lock (matrix.modLock);
-    matrix.modGrid = grid;
     matrix.router.swapRoutes (router);
+
+    for (std::size_t i = 0; i < grid.size(); ++i)
+        matrix.modGrid[i].store (grid[i], std::memory_order_relaxed);
 }
 
 bool mod_router_get (const ModMatrix& matrix, int source, int dest) noexcept
 {
-    return isInRange (source, dest) && matrix.modGrid[gridIndex (source, dest)];
+    return isInRange (source, dest) &&
+           matrix.modGrid[gridIndex (source, dest)].load (std::memory_order_relaxed);
 }
 
 void mod_router_dsp (ModMatrix& matrix) noexcept

@@ -4,6 +4,7 @@
 #include <juce_core/juce_core.h>
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <span>
 
@@ -59,8 +60,9 @@ struct ModRouterCore
     ModRouterCore (const ModRouterCore&) = delete;
     ModRouterCore& operator= (const ModRouterCore&) = delete;
 
-    /** Sets the gain of the route from source to dest, and makes it if there is none. Caller holds modLock;
-        allocates, so never on the audio thread. */
+    /** Sets the gain of the route from source to dest, both in range, and makes it at the list's end if there is
+        none. Takes growthLock to make one. Caller holds modLock, unless no other thread knows this router.
+        Allocates, so never on the audio thread. */
     void setGain (int source, int dest, float gain);
 
     /** Removes and deletes the route from source to dest, if there is one. Caller holds modLock. */
@@ -78,11 +80,13 @@ struct ModRouterCore
 /** Modulation sources, routes and sums of an instance. */
 struct ModMatrix
 {
+    zb::ModRouterCore router;       ///< first, so that the routes go last, behind the arrays
     juce::Array<float> modSources;  ///< 6, by ModSource; the audio thread's
     juce::Array<float> modDests;    ///< 10, by ModDest; this tick's sums, without limit
-    zb::ModRouterCore router;
-    juce::SpinLock modLock;  ///< guards the routes and modGrid against the audio thread
-    std::array<bool, kNumModSources * kNumModDests> modGrid {};  ///< flag of (s, d) at 10 s + d
+    juce::SpinLock modLock;         ///< guards the routes, and modGrid among its writers
+
+    /** The flag of source s and destination d at 10 s + d. Read without modLock; the audio thread never looks. */
+    std::array<std::atomic<bool>, kNumModSources * kNumModDests> modGrid {};
 
     ModMatrix();
 };

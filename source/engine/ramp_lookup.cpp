@@ -8,7 +8,7 @@
 
 static std::uint64_t ticksOf (float seconds) noexcept
 {
-    const auto count = static_cast<std::uint64_t> (seconds * load (gAudioSamplingRate));
+    const auto count = static_cast<std::uint64_t> (seconds * loadRelaxed (gAudioSamplingRate));
     return count == 0 ? 1 : count;
 }
 
@@ -17,6 +17,7 @@ void ramp_init (RampGenerator& ramp) noexcept
     ramp = {};
     ramp.upCount = ticksOf (ramp.upTime);
     ramp.downCount = ticksOf (ramp.downTime);
+    ramp.reciprocal = 1.0f / static_cast<float> (ramp.upCount);
 }
 
 float rampTick (RampGenerator& ramp, float x) noexcept

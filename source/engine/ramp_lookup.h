@@ -15,18 +15,19 @@ struct RampGenerator
     double value = 0.0;           ///< where the ramp stands
     double step = 0.0;            ///< added per tick
     std::uint64_t remaining = 0;  ///< ticks left
-    float reciprocal = 0.0f;      ///< 1 over upCount; written, never read
+    float reciprocal = 1.0f;      ///< 1 over upCount; written, never read
     float output = 0.0f;          ///< result of the last rampTick
 };
 
-/** Sets both counts for the global sample rate, everything else to rest at 0. */
+/** Sets both counts for the global sample rate, everything else to rest at 0. Any thread, before the first
+    block. */
 void ramp_init (RampGenerator& ramp) noexcept;
 
 /** One tick towards x; returns the new output. Audio thread, lock-free. */
 float rampTick (RampGenerator& ramp, float x) noexcept;
 
 /** Recomputes the counts for the global sample rate. A ramp in flight starts over, for its whole length,
-    from where it stands. Called by prepareToPlay. */
+    from where it stands. Called by prepareToPlay. Any thread, not beside a block. */
 void rampSetRate (RampGenerator& ramp) noexcept;
 
 /** The filter's cut-off scale: 40 to 18000 Hz in equal ratios over 1024 entries, and one more that repeats
@@ -38,14 +39,16 @@ struct FreqLookup
     float output = 0.0f;     ///< the last value taken, in hertz
 };
 
-/** Allocates and fills the table. */
+/** Allocates and fills the table; leaves it empty if memory runs out, and then the filters keep their cut-off. Any
+    thread, before the first block. */
 void freq_lookup_init (FreqLookup& lookup) noexcept;
 
-/** Allocates size + 1 zeroed floats for tableLookup; empty if memory ran out. Free with std::free. */
+/** Allocates size + 1 zeroed floats for tableLookup; empty if memory ran out. Free with std::free. Any thread but
+    the audio thread. */
 float* lookup_table_allocate (std::int32_t size) noexcept;
 
 /** Interpolates linearly in a table of size + 1 entries at x, 0 to 1. The first entry's share is worked out
-    in 64 bits, the second's in 32: that is part of the sound. Audio thread, lock-free. */
+    in 64 bits, the second's in 32: that is part of the sound. The table must be there. Audio thread, lock-free. */
 inline float tableLookup (std::int32_t size, const float* table, float x) noexcept
 {
     const float p = static_cast<float> (size - 1) * x;

@@ -37,6 +37,9 @@ void router_panner_1to2_free (RouterPanner1to2& panner) noexcept
 
 void router_panner_1to2_set (RouterPanner1to2& panner, float pan) noexcept
 {
+    if (panner.table == nullptr)
+        return;
+
     panner.pan = pan;
 
     if (panner.mode == 0.0f)

@@ -10,24 +10,25 @@ struct RouterPanner1to2
     float pan = 0.5f;   ///< 0 left to 1 right
     float mode = 0.0f;  ///< 0 the table, 1 a straight line, else gains stay; nothing sets it
     std::int32_t size = 1024;
-    float* table = nullptr;  ///< size + 1 gains, owned, malloc family
-    float lookup = 0.0f;     ///< the last value from the table
-    float gainL = 0.0f;      ///< in force
-    float gainR = 0.0f;      ///< in force
+    float* table = nullptr;  ///< size + 1 gains, owned, malloc family; empty if memory ran out
+    float lookup = 0.5f;     ///< the last value from the table
+    float gainL = 0.5f;      ///< in force
+    float gainR = 0.5f;      ///< in force
     float outL = 0.0f;       ///< the last output pair
     float outR = 0.0f;
 };
 
-/** Allocates and fills the table and puts the pan in the middle. */
+/** Allocates and fills the table and puts the pan in the middle, where it stays if there is no memory for the
+    table. Any thread, before the first block. */
 void router_panner_1to2_init (RouterPanner1to2& panner) noexcept;
 
-/** Frees the table. */
+/** Frees the table. Any thread, after the last block. */
 void router_panner_1to2_free (RouterPanner1to2& panner) noexcept;
 
-/** Sets the gains for a position, 0 to 1. Audio thread, once per tick. */
+/** Sets the gains for a position, 0 to 1; changes nothing if the table is missing. Audio thread, once per tick. */
 void router_panner_1to2_set (RouterPanner1to2& panner, float pan) noexcept;
 
-/** One sample: in at the gains in force, into outL and outR. */
+/** One sample: in at the gains in force, into outL and outR. Audio thread, lock-free. */
 inline void router_panner_1to2_dsp (RouterPanner1to2& panner, float in) noexcept
 {
     panner.outL = in * panner.gainL;

@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-/** The constant of saturation() for a drive of 0 to 1, which counts as at most 0.99: 0 to 198. */
+/** The constant of saturation() for a drive of 0 to 1, which counts as at most 0.99: 0 to 198. Any thread: no state. */
 constexpr float saturationConstant (float drive) noexcept
 {
     const float b = drive < 0.99f ? drive : 0.99f;
@@ -11,7 +11,7 @@ constexpr float saturationConstant (float drive) noexcept
 }
 
 /** One sample through a saturator of constant k; unity at k = 0. Tends to (k + 1) / k for large x, so it is
-    no hard limit. No oversampling, no make-up gain. */
+    no hard limit. No oversampling, no make-up gain. Any thread: no state. */
 inline float saturation (float k, float x) noexcept
 {
     return (k + 1.0f) * x / (1.0f + k * std::abs (x));

@@ -39,7 +39,7 @@ MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination
     if (! isInRange (source, destination))
         return MatrixEdit::unchanged;
 
-    matrix.connected[flagIndex (source, destination)] = on;
+    matrix.connected[flagIndex (source, destination)].store (on, std::memory_order_relaxed);
     const std::int32_t found = findPair (matrix, source, destination);
 
     if (on)
@@ -50,7 +50,7 @@ MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination
         const auto end = static_cast<std::size_t> (matrix.connectionCount++);
         matrix.connSource[end] = source;
         matrix.connDest[end] = destination;
-        return MatrixEdit::firstOrFurtherConnection;
+        return MatrixEdit::connectionMade;
     }
 
     if (found >= 0)
@@ -70,10 +70,14 @@ void signal_matrix_take (SignalMatrix& matrix, const SignalMatrix& other) noexce
     matrix.connSource = other.connSource;
     matrix.connDest = other.connDest;
     matrix.connectionCount = other.connectionCount;
-    matrix.connected = other.connected;
+
+    for (std::size_t i = 0; i < matrix.connected.size(); ++i)
+        matrix.connected[i].store (other.connected[i].load (std::memory_order_relaxed),
+                                   std::memory_order_relaxed);
 }
 
 bool signal_matrix_get (const SignalMatrix& matrix, int source, int destination) noexcept
 {
-    return isInRange (source, destination) && matrix.connected[flagIndex (source, destination)];
+    return isInRange (source, destination) &&
+           matrix.connected[flagIndex (source, destination)].load (std::memory_order_relaxed);
 }

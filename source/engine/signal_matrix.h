@@ -4,6 +4,7 @@
 #include <juce_core/juce_core.h>
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <span>
 
@@ -39,8 +40,9 @@ enum SignalDest
     destOutput2
 };
 
-/** The patch bay: what every node gives and gets, and the connections between them. connectionLock guards
-    the list and the flags; the node values are the audio thread's. */
+/** The patch bay: what every node gives and gets, and the connections between them. connectionLock guards the list,
+    and the flags among their writers; they are read without it, and the audio thread never looks at them. The node
+    values are the audio thread's. */
 struct SignalMatrix
 {
     std::array<float, kNumSignalSources> signalSources {};
@@ -49,15 +51,16 @@ struct SignalMatrix
     std::array<std::int32_t, kMaxConnections> connDest {};
     std::int32_t connectionCount = 0;
     juce::SpinLock connectionLock;
-    std::array<bool, kMaxConnections>
-        connected {};  ///< flag of source s and destination d at s + 8 d
+
+    /** The flag of source s and destination d at s + 8 d. */
+    std::array<std::atomic<bool>, kMaxConnections> connected {};
 };
 
 /** What an edit of the list did to its destination. */
 enum class MatrixEdit
 {
     unchanged,
-    firstOrFurtherConnection,  ///< a pair was appended
+    connectionMade,     ///< a pair was appended
     lastConnectionGone  ///< a pair was removed and none is left that leads to its destination
 };
 

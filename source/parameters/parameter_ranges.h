@@ -4,7 +4,8 @@
 #include <juce_core/juce_core.h>
 
 /** A range whose travel is logarithmic: equal steps of the control are equal ratios of the value.
-    Continuous: a value is only clipped to the range, never snapped. Single precision throughout. */
+    Continuous: a value is only clipped to the range, never snapped. Single precision throughout.
+    Any thread. */
 class LogFreqRange : public juce::NormalisableRange<float>
 {
 public:
@@ -13,7 +14,7 @@ public:
 };
 
 /** Linear gain from silence to top with a cubic travel, which puts the useful decibels over the upper
-    half of the control. Continuous, like LogFreqRange. Single precision throughout. */
+    half of the control. Continuous, like LogFreqRange. Single precision throughout. Any thread. */
 class CubicGainRange : public juce::NormalisableRange<float>
 {
 public:

@@ -4,9 +4,9 @@
 #include <juce_core/juce_core.h>
 
 // Value to text, one function for each way of reading a parameter. They take a value in real units
-// and the host's wish for a maximum length, which none of them heeds. Integers are rounded to the nearest, ties to even;
-// what is scaled is scaled in single precision. No state, any thread, but they allocate the text:
-// not for the audio thread.
+// and the host's wish for a maximum length, which none of them heeds. Integers are rounded to the
+// nearest, ties to even; what is scaled is scaled in single precision. No state, any thread, but they
+// allocate the text: not for the audio thread.
 
 /** Milliseconds as "500 ms", from 1000 on as "1.00 s". 999.6 still reads "1000 ms". */
 juce::String delayTimeText (float milliseconds, int maximumLength);

@@ -10,10 +10,7 @@ zb_AudioProcessor::zb_AudioProcessor (const BusesProperties& buses) : juce::Audi
 
 juce::AudioProcessorListener::ChangeDetails zb_AudioProcessor::stateChanged()
 {
-    return juce::AudioProcessorListener::ChangeDetails()
-        .withLatencyChanged (true)
-        .withParameterInfoChanged (true)
-        .withProgramChanged (true);
+    return juce::AudioProcessorListener::ChangeDetails::getDefaultFlags();
 }
 
 int zb_AudioProcessor::getNumPrograms()

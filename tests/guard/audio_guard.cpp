@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "audio_guard.h"
 
+#include <cstdarg>
 #include <cstddef>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
+#include <semaphore.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
@@ -19,10 +23,33 @@ void note (const char* name) noexcept
         first = name;
 }
 
+/** The function of that name that stands behind ours; a call of it is noted. */
 template <typename Function>
-Function* original (const char* name) noexcept
+class Watched
 {
-    return reinterpret_cast<Function*> (dlsym (RTLD_NEXT, name));
+public:
+    explicit Watched (const char* functionName) noexcept
+        : name (functionName), next (reinterpret_cast<Function*> (dlsym (RTLD_NEXT, functionName)))
+    {
+    }
+
+    template <typename... Arguments>
+    auto operator() (Arguments... arguments) const
+    {
+        note (name);
+        return next (arguments...);
+    }
+
+private:
+    const char* name;
+    Function* next;
+};
+
+/** The mode that follows the flags of an open, where one does. */
+mode_t modeBehind (int flags, std::va_list arguments) noexcept
+{
+    const bool creates = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+    return creates ? va_arg (arguments, mode_t) : 0;
 }
 
 }  // namespace
@@ -83,46 +110,149 @@ extern "C"
         __libc_free (block);
     }
 
+    int posix_memalign (void** block, std::size_t alignment, std::size_t size)
+    {
+        static const Watched<int (void**, std::size_t, std::size_t)> call ("posix_memalign");
+        return call (block, alignment, size);
+    }
+
+    void* aligned_alloc (std::size_t alignment, std::size_t size)
+    {
+        static const Watched<void*(std::size_t, std::size_t)> call ("aligned_alloc");
+        return call (alignment, size);
+    }
+
+    // --- waiting ---------------------------------------------------------------------------------------
+
     int pthread_mutex_lock (pthread_mutex_t* mutex)
     {
-        note ("pthread_mutex_lock");
-        static auto* const next = original<int (pthread_mutex_t*)> ("pthread_mutex_lock");
-        return next (mutex);
+        static const Watched<int (pthread_mutex_t*)> call ("pthread_mutex_lock");
+        return call (mutex);
+    }
+
+    int pthread_rwlock_rdlock (pthread_rwlock_t* lock)
+    {
+        static const Watched<int (pthread_rwlock_t*)> call ("pthread_rwlock_rdlock");
+        return call (lock);
+    }
+
+    int pthread_rwlock_wrlock (pthread_rwlock_t* lock)
+    {
+        static const Watched<int (pthread_rwlock_t*)> call ("pthread_rwlock_wrlock");
+        return call (lock);
     }
 
     int pthread_cond_wait (pthread_cond_t* condition, pthread_mutex_t* mutex)
     {
-        note ("pthread_cond_wait");
-        static auto* const next =
-            original<int (pthread_cond_t*, pthread_mutex_t*)> ("pthread_cond_wait");
-        return next (condition, mutex);
+        static const Watched<int (pthread_cond_t*, pthread_mutex_t*)> call ("pthread_cond_wait");
+        return call (condition, mutex);
     }
+
+    int sem_wait (sem_t* semaphore)
+    {
+        static const Watched<int (sem_t*)> call ("sem_wait");
+        return call (semaphore);
+    }
+
+    // --- files -----------------------------------------------------------------------------------------
 
     int open (const char* path, int flags, ...)
     {
-        note ("open");
-        static auto* const next = original<int (const char*, int, ...)> ("open");
-        return next (path, flags, 0600);
+        static const Watched<int (const char*, int, ...)> call ("open");
+        std::va_list arguments;
+        va_start (arguments, flags);
+        const mode_t mode = modeBehind (flags, arguments);
+        va_end (arguments);
+        return call (path, flags, mode);
     }
 
     int open64 (const char* path, int flags, ...)
     {
-        note ("open64");
-        static auto* const next = original<int (const char*, int, ...)> ("open64");
-        return next (path, flags, 0600);
+        static const Watched<int (const char*, int, ...)> call ("open64");
+        std::va_list arguments;
+        va_start (arguments, flags);
+        const mode_t mode = modeBehind (flags, arguments);
+        va_end (arguments);
+        return call (path, flags, mode);
+    }
+
+    int openat (int folder, const char* path, int flags, ...)
+    {
+        static const Watched<int (int, const char*, int, ...)> call ("openat");
+        std::va_list arguments;
+        va_start (arguments, flags);
+        const mode_t mode = modeBehind (flags, arguments);
+        va_end (arguments);
+        return call (folder, path, flags, mode);
+    }
+
+    int openat64 (int folder, const char* path, int flags, ...)
+    {
+        static const Watched<int (int, const char*, int, ...)> call ("openat64");
+        std::va_list arguments;
+        va_start (arguments, flags);
+        const mode_t mode = modeBehind (flags, arguments);
+        va_end (arguments);
+        return call (folder, path, flags, mode);
     }
 
     ssize_t write (int file, const void* data, std::size_t size)
     {
-        note ("write");
-        static auto* const next = original<ssize_t (int, const void*, std::size_t)> ("write");
-        return next (file, data, size);
+        static const Watched<ssize_t (int, const void*, std::size_t)> call ("write");
+        return call (file, data, size);
     }
 
     ssize_t read (int file, void* data, std::size_t size)
     {
-        note ("read");
-        static auto* const next = original<ssize_t (int, void*, std::size_t)> ("read");
-        return next (file, data, size);
+        static const Watched<ssize_t (int, void*, std::size_t)> call ("read");
+        return call (file, data, size);
+    }
+
+    int stat (const char* path, struct stat* status)
+    {
+        static const Watched<int (const char*, struct stat*)> call ("stat");
+        return call (path, status);
+    }
+
+    int stat64 (const char* path, struct stat64* status)
+    {
+        static const Watched<int (const char*, struct stat64*)> call ("stat64");
+        return call (path, status);
+    }
+
+    int lstat (const char* path, struct stat* status)
+    {
+        static const Watched<int (const char*, struct stat*)> call ("lstat");
+        return call (path, status);
+    }
+
+    int lstat64 (const char* path, struct stat64* status)
+    {
+        static const Watched<int (const char*, struct stat64*)> call ("lstat64");
+        return call (path, status);
+    }
+
+    int fstatat (int folder, const char* path, struct stat* status, int flags)
+    {
+        static const Watched<int (int, const char*, struct stat*, int)> call ("fstatat");
+        return call (folder, path, status, flags);
+    }
+
+    int fstatat64 (int folder, const char* path, struct stat64* status, int flags)
+    {
+        static const Watched<int (int, const char*, struct stat64*, int)> call ("fstatat64");
+        return call (folder, path, status, flags);
+    }
+
+    int access (const char* path, int mode)
+    {
+        static const Watched<int (const char*, int)> call ("access");
+        return call (path, mode);
+    }
+
+    int unlink (const char* path)
+    {
+        static const Watched<int (const char*)> call ("unlink");
+        return call (path);
     }
 }

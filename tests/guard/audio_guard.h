@@ -3,8 +3,8 @@
 
 #include <string>
 
-/** While one stands, this thread may not allocate, free, lock a mutex, wait or open a file: each such call
-    is counted. The calls themselves are replaced for the whole program in audio_guard.cpp. */
+/** While one stands, this thread may not allocate, free, lock, wait or touch a file: each such call is
+    counted. The calls themselves are replaced for the whole program in audio_guard.cpp. */
 class AudioGuard
 {
 public:

@@ -2,8 +2,15 @@
 #include "audio_guard.h"
 #include "support/duel.h"
 
+#include <cstdlib>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <mutex>
+#include <semaphore.h>
+#include <shared_mutex>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 namespace
@@ -23,7 +30,67 @@ void guardedBlock (VelkorAudioProcessor& processor, juce::AudioBuffer<float>& bu
 
 }  // namespace
 
-TEST (AudioGuard, SeesWhatItIsThereToSee)
+TEST (AudioGuard, NamesEachCallThatItIsThereToSee)
+{
+    static void* volatile kept = nullptr;  // without it the compiler may leave an allocation out
+    static std::shared_mutex lock;
+    static struct stat status;
+    static sem_t semaphore;
+    sem_init (&semaphore, 0, 1);
+
+    struct Forbidden
+    {
+        const char* name;
+        void (*call)();
+    };
+
+    const Forbidden calls[] = {
+        { "malloc", [] { kept = std::malloc (16); } },
+        { "free", [] { std::free (kept); } },
+        { "aligned_alloc", [] { kept = std::aligned_alloc (64, 64); } },
+        { "free", [] { std::free (kept); } },
+        { "posix_memalign",
+          []
+          {
+              void* block = nullptr;
+              EXPECT_EQ (posix_memalign (&block, 64, 64), 0);
+              std::free (block);
+          } },
+        { "pthread_rwlock_rdlock", [] { const std::shared_lock reader (lock); } },
+        { "pthread_rwlock_wrlock", [] { const std::unique_lock writer (lock); } },
+        { "sem_wait", [] { sem_wait (&semaphore); } },
+        { "openat", [] { close (openat (AT_FDCWD, "/dev/null", O_RDONLY)); } },
+        { "stat", [] { stat ("/", &status); } },
+        { "fstatat", [] { fstatat (AT_FDCWD, "/", &status, 0); } },
+        { "access", [] { EXPECT_EQ (access ("/", F_OK), 0); } },
+        { "unlink", [] { EXPECT_NE (unlink ("/dev/null/none"), 0); } },
+    };
+
+    for (const auto& [name, call] : calls)
+    {
+        {
+            const AudioGuard guard;
+            call();
+        }
+
+        EXPECT_STREQ (AudioGuard::firstCall(), name);
+    }
+
+    sem_destroy (&semaphore);
+}
+
+TEST (AudioGuard, LeavesAFileTheModeThatItWasOpenedWith)
+{
+    const std::string path = std::string (std::getenv ("HOME")) + "/mode";
+    const mode_t maskBefore = umask (0);
+    close (open (path.c_str(), O_CREAT | O_WRONLY, 0640));
+    umask (maskBefore);
+    struct stat status = {};
+    ASSERT_EQ (stat (path.c_str(), &status), 0);
+    EXPECT_EQ (status.st_mode & 0777u, 0640u);
+}
+
+TEST (AudioGuard, CountsEveryCall)
 {
     std::mutex mutex;
 
@@ -93,11 +160,19 @@ TEST (AudioThread, ABlockThatRunsAwayIsMendedWithoutAllocating)
 
     juce::AudioBuffer<float> buffer (2, 512);
     juce::MidiBuffer midi;
+    int recovered = 0;
 
     for (int i = 0; i < 10; ++i)
     {
         buffer.clear();
         buffer.setSample (0, 3, 1.0f);
         guardedBlock (processor, buffer, midi);
+
+        // The input is never quite silent, so only the clearing leaves these at 0.
+        if (processor.engine->signal.signalDests[destSaturation1] == 0.0f &&
+            processor.engine->envelope.envState == 0.0f)
+            ++recovered;
     }
+
+    EXPECT_EQ (recovered, 10) << "what doubles 500 times has run away";
 }

@@ -13,6 +13,9 @@ uri=urn:com.zubrow.Velkor
 
 fail() { printf '%s\n' "$*" >&2; exit 1; }
 
+# fail_showing FILE MESSAGE
+fail_showing() { cat "$1" >&2; fail "$2"; }
+
 for tool in lv2_validate sord_validate lv2ls lv2info; do
     command -v "$tool" >/dev/null || { echo "no $tool: skipped"; exit 77; }
 done
@@ -25,7 +28,8 @@ export HOME=$work
 
 lv2_validate "$bundle"/*.ttl >"$work/report" 2>&1 || true
 summary=$(tail -n 1 "$work/report")
-[[ $summary =~ ^Found\ [0-9]+\ errors\ among\ [0-9]+\ files ]] || { cat "$work/report" >&2; fail "the validator did not finish"; }
+[[ $summary =~ ^Found\ [0-9]+\ errors\ among\ [0-9]+\ files ]] ||
+    fail_showing "$work/report" "the validator did not finish"
 
 # One line a finding: message, subject, predicate, object. Blank nodes lose their changing numbers.
 awk '/^(error|warning):/ { if (finding) print finding; finding = $0; next }
@@ -35,30 +39,31 @@ awk '/^(error|warning):/ { if (finding) print finding; finding = $0; next }
      END { if (finding) print finding }' "$work/report" >"$work/findings"
 
 lv2=http://lv2plug.in/ns
+core=$lv2/lv2core
+doap=http://usefulinc.com/ns/doap
 cat >"$work/expected" <<END
-error: Subject not in domain <http://usefulinc.com/ns/doap#Project> | $uri | http://usefulinc.com/ns/doap#(maintainer|release) | _
-error: Subject not in domain <$lv2/lv2core#Port> | $uri:[A-Za-z0-9_]+ | $lv2/lv2core#portProperty | $lv2/lv2core#(enumeration|toggled)
-error: Object not in range <$lv2/lv2core#ExtensionData> | $uri:UI | $lv2/lv2core#extensionData | $lv2/extensions/ui#noUserResize
-error: Object not in range <$lv2/lv2core#Feature> | $uri:UI | $lv2/lv2core#optionalFeature | $lv2/ext/options#interface
+error: Subject not in domain <$doap#Project> | $uri | $doap#(maintainer|release) | _
+error: Subject not in domain <$core#Port> | $uri:[A-Za-z0-9_]+ | $core#portProperty | $core#(enumeration|toggled)
+error: Object not in range <$core#ExtensionData> | $uri:UI | $core#extensionData | $lv2/extensions/ui#noUserResize
+error: Object not in range <$core#Feature> | $uri:UI | $core#optionalFeature | $lv2/ext/options#interface
 error: Use of undefined property | _ | $uri:Program | 0
 error: Property <$uri:Program> has no label | _ | $uri:Program | 0
 END
 sed -i 's/ | / \\| /g' "$work/expected"
 
 if grep -v -x -E -f "$work/expected" "$work/findings" >"$work/unexpected"; then
-    cat "$work/unexpected" >&2
-    fail "the validator objects to more than the framework's usual"
+    fail_showing "$work/unexpected" "the validator objects to more than the framework's usual"
 fi
 
 # --- look-up --------------------------------------------------------------------------------------
 
 export LV2_PATH=${bundle%/*}
 [ "$(lv2ls)" = "$uri" ] || fail "lv2ls does not find $uri"
-lv2info "$uri" >"$work/info" 2>"$work/complaints" || { cat "$work/complaints" >&2; fail "lv2info can't read $uri"; }
-[ ! -s "$work/complaints" ] || { cat "$work/complaints" >&2; fail "lv2info complains"; }
+lv2info "$uri" >"$work/info" 2>"$work/complaints" || fail_showing "$work/complaints" "lv2info can't read $uri"
+[ ! -s "$work/complaints" ] || fail_showing "$work/complaints" "lv2info complains"
 
 for line in 'Name: +Velkor' 'Author: +Zubrow Labs' 'Has latency: +yes.*' 'Optional Features: .*hardRTCapable'; do
-    grep -q -x -E "[[:space:]]+$line" "$work/info" || { cat "$work/info" >&2; fail "lv2info does not say: $line"; }
+    grep -q -x -E "[[:space:]]+$line" "$work/info" || fail_showing "$work/info" "lv2info does not say: $line"
 done
 
 echo "$summary, all of them the framework's usual"

@@ -129,7 +129,7 @@ TEST (NamedMotions, RatshackReverbIsShortAndDense)
     EXPECT_GT (rms (out, 0.1, 0.12), 0.05 * early) << "no gap between the walls";
 }
 
-// --- MIDI --------------------------------------------------------------------------------------------------------------
+// --- MIDI ----------------------------------------------------------------------------------------------
 
 TEST (NamedMotions, ModWheelOpensTheFilter)
 {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "support/duel.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <gtest/gtest.h>
@@ -53,9 +54,36 @@ TEST (Stress, RewiringAndAutomationBesideAudioRacesWithNothing)
             }
         });
 
+    std::atomic<int> readings { 0 };
+    std::atomic<bool> allInRange { true };
+
+    // As an open editor's timer and a host that saves do.
+    std::thread reader (
+        [&]
+        {
+            const auto& engine = *processor.engine;
+
+            while (! stop)
+            {
+                for (int number = 0; number <= 10; ++number)
+                    for (int source = 0; source <= 8; ++source)
+                    {
+                        const bool isConnected = signal_matrix_get (engine.signal, source, number);
+                        const bool isRouted = processor.getModConnection (source, number);
+
+                        if ((isConnected &&
+                             (source >= kNumSignalSources || number >= kNumSignalDests)) ||
+                            (isRouted && (source >= kNumModSources || number >= kNumModDests)))
+                            allInRange = false;
+                    }
+
+                ++readings;
+            }
+        });
+
     Noise noise (6);
 
-    for (int i = 0; i < 20000 || blocks < 50; ++i)
+    for (int i = 0; i < 20000 || blocks < 50 || readings < 50; ++i)
     {
         processor.setSignalConnection (noise.below (9), noise.below (11), noise.chance (0.5f));
         processor.setModConnection (noise.below (7), noise.below (11), noise.chance (0.5f));
@@ -68,5 +96,15 @@ TEST (Stress, RewiringAndAutomationBesideAudioRacesWithNothing)
     stop = true;
     audio.join();
     other.join();
+    reader.join();
     EXPECT_TRUE (allFinite);
+    EXPECT_TRUE (allInRange);
+
+    // What the reader saw last is what the audio thread plays.
+    const auto countOf = [] (const auto& flags)
+    { return std::count (flags.begin(), flags.end(), true); };
+    const auto& signal = processor.engine->signal;
+    EXPECT_EQ (countOf (signal.connected), signal.connectionCount);
+    const auto& modulation = processor.engine->modulation;
+    EXPECT_EQ (countOf (modulation.modGrid), modulation.router.routes.size());
 }

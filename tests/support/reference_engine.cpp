@@ -17,18 +17,7 @@ void Globals::setRate (double newRate)
 
 // Construction, preparing
 
-ReferenceEngine::ReferenceEngine (float globalRateAtConstruction) : globals (ownGlobals)
-{
-    ownGlobals.setRate (static_cast<double> (globalRateAtConstruction));
-    construct();
-}
-
 ReferenceEngine::ReferenceEngine (Globals& globalsOfTheProcess) : globals (globalsOfTheProcess)
-{
-    construct();
-}
-
-void ReferenceEngine::construct()
 {
     constructDelay (delay1);
     constructDelay (delay2);
@@ -300,18 +289,6 @@ void ReferenceEngine::connect (int source, int destination, bool on)
     }
 }
 
-void ReferenceEngine::clearConnections()
-{
-    connected.fill (false);
-    connectionCount = 0;
-
-    for (FilterMultimode* filter : { &filter1, &filter2 })
-    {
-        filter->active = 0;
-        setDamp (*filter);
-    }
-}
-
 void ReferenceEngine::route (int source, int dest, bool on)
 {
     if (static_cast<unsigned> (dest) >= 10 || static_cast<unsigned> (source) >= 6)
@@ -337,12 +314,6 @@ void ReferenceEngine::route (int source, int dest, bool on)
     }
 }
 
-void ReferenceEngine::clearRoutes()
-{
-    modGrid.fill (false);
-    routes.clear();
-}
-
 // MIDI
 
 void ReferenceEngine::midi (std::uint8_t b0, std::uint8_t b1, std::uint8_t b2)
@@ -351,8 +322,6 @@ void ReferenceEngine::midi (std::uint8_t b0, std::uint8_t b1, std::uint8_t b2)
 
     if (status == 0x90 && b2 != 0)
     {
-        midiActivity = true;
-
         if (b1 >= 0x80 || held[b1])
             return;
 
@@ -363,8 +332,6 @@ void ReferenceEngine::midi (std::uint8_t b0, std::uint8_t b1, std::uint8_t b2)
     }
     else if (status == 0x80 || status == 0x90)
     {
-        midiActivity = true;
-
         if (b1 >= 0x80 || ! held[b1])
             return;
 
@@ -381,7 +348,6 @@ void ReferenceEngine::midi (std::uint8_t b0, std::uint8_t b1, std::uint8_t b2)
     else if (status == 0xB0 && b1 == 1)
     {
         modWheel = static_cast<float> (b2) / 127.0f;
-        midiActivity = true;
     }
 }
 }  // namespace reference

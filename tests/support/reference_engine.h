@@ -138,10 +138,7 @@ struct PhasePlan
     between blocks. */
 struct ReferenceEngine
 {
-    /** In a process of its own, in which an engine has been prepared at this rate before. */
-    explicit ReferenceEngine (float globalRateAtConstruction);
-
-    /** In the process of the caller's; the globals must outlive the engine. */
+    /** In the process whose globals these are; they must outlive the engine. */
     explicit ReferenceEngine (Globals& globalsOfTheProcess);
 
     ReferenceEngine (const ReferenceEngine&) = delete;
@@ -154,12 +151,6 @@ struct ReferenceEngine
 
     /** Makes or breaks a route of the modulation matrix; out of range does nothing. */
     void route (int source, int dest, bool on);
-
-    /** Empties the signal matrix, as a preset does before it makes its own connections. */
-    void clearConnections();
-
-    /** Empties the modulation matrix, as a preset does before it makes its own routes. */
-    void clearRoutes();
 
     /** One event of the block that is to come: call before process. */
     void midi (std::uint8_t b0, std::uint8_t b1, std::uint8_t b2);
@@ -186,7 +177,6 @@ struct ReferenceEngine
     void filter_multimode_dsp_morph (FilterMultimode&, float in);
     void rampSetRate (RampGenerator&) const;
 
-    Globals ownGlobals;  ///< in use only by an engine in a process of its own
     Globals& globals;
 
     DelayFad delay1, delay2;
@@ -231,7 +221,6 @@ struct ReferenceEngine
     float noteValue = 0.0f, gate = 0.0f, modWheel = 0.0f;
     std::array<bool, 128> held {};
     std::int32_t heldCount = 0;
-    bool midiActivity = false;  ///< set by midi, never cleared here: the caller may
 
     float antiDenormalOffset = 1e-14f;
     double sampleRate = 44100.0;
@@ -244,7 +233,6 @@ struct ReferenceEngine
     int nonFiniteRescues = 0;  ///< blocks that ended in clearing the signal state
 
 private:
-    void construct();
     void constructDelay (DelayFad&) const;
     void resizeDelay (DelayFad&) const;
     void updateEnvelopeCoefs();

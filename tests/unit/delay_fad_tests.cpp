@@ -2,9 +2,11 @@
 #include "engine/delay_fad.h"
 #include "engine/engine_globals.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -188,6 +190,45 @@ TEST (DelayFad, SyncedTimesJumpAndFreeOnesGlideWithinTwoMillisecondsToTwelveSeco
     delay_fad_set_time (line, true, 1, 0.0f, 0.0f, 100000.0);
     EXPECT_EQ (line.timeMs, 2.0f);
     delay_fad_free (line);
+}
+
+TEST (DelayFad, ClearingLeavesNothingBehindWhereverTheHeadsHaveBeen)
+{
+    setAudioSamplingRate (44100.0);
+    DelayFad line;
+    delay_fad_init (line);
+
+    for (const double rate : { 44100.0, 192000.0 })
+    {
+        setAudioSamplingRate (rate);
+        delay_fad_prepare (line);
+        delay_fad_clear (line);
+        const std::span<const float> buffer (line.buffer, line.bufferSize);
+        const auto isSilent = [] (float x) { return x == 0.0f; };
+
+        // In the middle, across both ends, and further out than the buffer reaches.
+        for (const std::uint64_t delay : { std::uint64_t { 96 }, std::uint64_t { 50000 },
+                                           line.bufferSize - 100, line.bufferSize + 100000 })
+        {
+            line.delaySamples = delay;
+            delay_fad_clear (line);
+
+            for (int n = 0; n < 12000; ++n)
+            {
+                line.reverseRequest = n / 4000 % 2 == 1;
+                line.readRate = 0.5f + static_cast<float> (n % 3) * 0.5f;
+                line.writeRate = line.readRate;
+                delay_fad_dsp (line, 0.5f);
+            }
+
+            EXPECT_FALSE (std::ranges::all_of (buffer, isSilent));
+            delay_fad_clear (line);
+            EXPECT_TRUE (std::ranges::all_of (buffer, isSilent)) << rate << " Hz, delay " << delay;
+        }
+    }
+
+    delay_fad_free (line);
+    setAudioSamplingRate (44100.0);
 }
 
 TEST (FeedbackShape, MeetsItsLimitWithoutAStepAndHasItsGainNearZero)
