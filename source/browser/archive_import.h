@@ -11,7 +11,7 @@ inline constexpr juce::int64 kSmallContents = 64 << 20;
 inline constexpr juce::int64 kMaxExpansion = 100;
 
 /** What unpacking leaves free on the disk, bytes. */
-inline constexpr juce::int64 kSpareBytes = 256 << 20;
+inline constexpr juce::int64 kSpareBytes = 64 << 20;
 
 /** The largest archive that is opened: its list of entries is read into memory whole, bytes. */
 inline constexpr juce::int64 kMaxArchiveBytes = juce::int64 (2) << 30;

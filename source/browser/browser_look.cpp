@@ -39,7 +39,8 @@ void BrowserLook::drawButton (juce::Graphics& g, juce::Rectangle<float> bounds,
     g.fillRoundedRectangle (bounds, corner);
     g.setColour (isDown ? colours.colourBackground : colours.colourText);
     g.setFont (regularFont (size));
-    g.drawText (label, bounds, juce::Justification::centred, true);
+    g.drawFittedText (label, bounds.reduced (0.3f * size, 0.0f).toNearestInt(),
+                      juce::Justification::centred, 2, 0.8f);
 }
 
 void BrowserLook::drawBox (juce::Graphics& g, juce::Rectangle<float> box, float unit) const

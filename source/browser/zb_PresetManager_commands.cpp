@@ -118,9 +118,13 @@ void zb_PresetManager::importFile (const juce::File& file)
         if (const auto target = folderForArchive (file, folder); target != juce::File())
         {
             // A large archive takes its seconds: the cursor tells.
-            juce::MouseCursor::showWaitCursor();
+            if (isShowing())
+                juce::MouseCursor::showWaitCursor();
+
             unpackArchive (file, target);
-            juce::MouseCursor::hideWaitCursor();
+
+            if (isShowing())
+                juce::MouseCursor::hideWaitCursor();
         }
     }
     else if (file.hasFileExtension (kPresetExtension))

@@ -46,6 +46,9 @@ void zb_PresetManager::downloadFactoryContent()
             return;
     }
 
+    // A task may be made, and end at once, where no server was reached: then there is no answer's number.
+    running = running && downloadTask->statusCode() > 0;
+
     if (running)
     {
         downloadPanel->updatePanel (juce::translate ("Downloading"), 1.0f, true);

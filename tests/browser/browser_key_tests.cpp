@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "browser/browser_window_fixture.h"
+
+class BrowserWindowKeys : public BrowserWindow
+{
+protected:
+    BrowserWindowKeys()
+    {
+        putPreset ("A/B/one.zbpreset", "One", 11.0f);
+        putPreset ("A/B/two.zbpreset", "Two", 22.0f);
+        putPreset ("A/three.zbpreset", "Three", 33.0f);
+        putPreset ("zero.zbpreset", "Zero", 5.0f);
+        processor.presetName = "one";
+    }
+};
+
+TEST_F (BrowserWindowKeys, ArrowsWalkTheColumnsAndLoadWhatTheyReach)
+{
+    show();
+    EXPECT_EQ (view(), "*A|Zero / *B|Three / *One|Two");
+    EXPECT_EQ (focusedColumn(), 2);  // where the current preset is
+    key (juce::KeyPress::downKey);
+    EXPECT_EQ (view(), "*A|Zero / *B|Three / One|*Two");
+    EXPECT_EQ (delay(), 22.0f);
+    key (juce::KeyPress::downKey);  // at the end
+    EXPECT_EQ (delay(), 22.0f);
+
+    key (juce::KeyPress::leftKey);
+    EXPECT_EQ (focusedColumn(), 1);
+    EXPECT_EQ (view(), "*A|Zero / *B|Three / One|*Two");  // moving back selects nothing
+    key (juce::KeyPress::downKey);
+    EXPECT_EQ (view(), "*A|Zero / B|*Three");
+    EXPECT_EQ (delay(), 33.0f);
+    key (juce::KeyPress::rightKey);  // there is no next column
+    EXPECT_EQ (focusedColumn(), 1);
+    key (juce::KeyPress::upKey);
+    key (juce::KeyPress::rightKey);
+    EXPECT_EQ (focusedColumn(), 2);
+    EXPECT_EQ (view(), "*A|Zero / *B|Three / *One|Two");
+    EXPECT_EQ (delay(), 11.0f);
+
+    key (juce::KeyPress::leftKey);
+    key (juce::KeyPress::leftKey);
+    key (juce::KeyPress::leftKey);  // before the first there is none
+    EXPECT_EQ (focusedColumn(), 0);
+    key (juce::KeyPress::downKey);
+    EXPECT_EQ (view(), "A|*Zero");
+    EXPECT_EQ (delay(), 5.0f);
+    EXPECT_TRUE (browser().isVisible());
+}
+
+TEST_F (BrowserWindowKeys, ReturnClosesFromAListAndFromThePanel)
+{
+    show();
+    key (juce::KeyPress::downKey);
+    key (juce::KeyPress::returnKey);
+    EXPECT_TRUE (hasClosed());
+    EXPECT_EQ (delay(), 22.0f);
+
+    processor.currentProgram = 99;
+    browser().rebuildAndReopen ({});
+    processor.currentProgram = 99;
+    reopen();
+    EXPECT_EQ (view(), "A|Zero");  // nothing selected
+    EXPECT_EQ (focusedColumn(), 0);
+    key (juce::KeyPress::returnKey);
+    EXPECT_TRUE (hasClosed());
+
+    // With a modifier, these are other keys.
+    EXPECT_FALSE (
+        browser().keyPressed ({ juce::KeyPress::returnKey, juce::ModifierKeys::shiftModifier, 0 }));
+    EXPECT_FALSE (
+        browser().keyPressed ({ juce::KeyPress::escapeKey, juce::ModifierKeys::ctrlModifier, 0 }));
+    EXPECT_FALSE (browser().keyPressed (juce::KeyPress ('x')));
+    EXPECT_FALSE (browser().getColumn (0)->keyPressed (
+        { juce::KeyPress::rightKey, juce::ModifierKeys::altModifier, 0 }));
+}
+
+TEST_F (BrowserWindowKeys, SaveByTyping)
+{
+    show();
+    click (onRow (0, "Zero"));
+    click (on (*browser().buttons[kSaveCommand]));
+    ASSERT_NE (browser().saveWindow, nullptr);
+    EXPECT_TRUE (browser().saveWindow->nameEditor.hasKeyboardFocus (true));
+    type ("New/Sound");
+    EXPECT_EQ (browser().saveWindow->nameEditor.getText(), "New/Sound");  // over the old name
+    key (juce::KeyPress::returnKey);
+    EXPECT_TRUE (hasClosed());
+    EXPECT_EQ (browser().saveWindow, nullptr);
+    EXPECT_TRUE (lib ("New/Sound.zbpreset").existsAsFile());
+    EXPECT_EQ (view(), "A|*New|Zero / *Sound");
+}
