@@ -8,11 +8,22 @@
 // Feeds a host's chunks to one instance for as long as it is let: what a chunk holds is a document. Run with
 // the kept documents, framed or not, as a corpus; an input without the frame gets one.
 
+namespace
+{
+/** What lives as long as the process. One object, made whole before its end is noted down: each on its own,
+    the framework's shutdown would come after that of the lists that it made for the instance. */
+struct Target
+{
+    TemporaryHome home;
+    juce::ScopedJuceInitialiser_GUI framework;
+    VelkorAudioProcessor processor;
+};
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput (const std::uint8_t* data, std::size_t size)
 {
-    static const TemporaryHome home;
-    static const juce::ScopedJuceInitialiser_GUI framework;
-    static VelkorAudioProcessor processor;
+    static Target target;
+    auto& processor = target.processor;
 
     juce::MemoryOutputStream chunk;
 
