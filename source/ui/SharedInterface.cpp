@@ -30,8 +30,9 @@ SharedInterface::SharedInterface (VelkorAudioProcessor& processorToUse,
       sharedFontSemibold (
           embedded (BinaryData::DosisSemiBold_otf, BinaryData::DosisSemiBold_otfSize))
 {
-    // The framework's default font, which the panel's values, tool tips and lists take: the same on every system.
-    juce::LookAndFeel::getDefaultLookAndFeel().setDefaultSansSerifTypeface (sharedFontRegular);
+    // The framework's default font, which the panel's values and tool tips take: the same on every system, and heavy
+    // enough for values of seven pixels in the smallest window.
+    juce::LookAndFeel::getDefaultLookAndFeel().setDefaultSansSerifTypeface (sharedFontSemibold);
 }
 
 SharedInterface::~SharedInterface()

@@ -40,7 +40,7 @@ void VelkorPanel::paint (juce::Graphics& g)
 {
     if (background.isValid())
         stretchedBackground.draw (
-            g, getWidth(), getHeight(), ! background.hasAlphaChannel(),
+            g, getWidth(), getHeight(), isOpaque(),
             [this] (juce::Graphics& inside)
             { drawStretched (inside, background, getLocalBounds().toFloat()); });
 }

@@ -60,15 +60,32 @@ private:
             if (const std::unique_ptr<juce::StreamingSocket> to {
                     listener.waitForNextConnection() })
             {
-                char bytes[2048] = {};
-                to->waitUntilReady (true, 1000);
-                to->read (bytes, sizeof (bytes) - 1, false);
+                const auto request = readHead (*to);
                 ++requests;
-                answer (*to, juce::String (bytes)
-                                 .fromFirstOccurrenceOf (" ", false, false)
+                answer (*to, request.fromFirstOccurrenceOf (" ", false, false)
                                  .upToFirstOccurrenceOf (" ", false, false));
             }
         }
+    }
+
+    /** A request, however many pieces it comes in: what is left unread when the socket closes would reset the
+        connection, and the answer with it. */
+    static juce::String readHead (juce::StreamingSocket& from)
+    {
+        juce::String head;
+
+        while (! head.contains ("\r\n\r\n") && from.waitUntilReady (true, 10000) == 1)
+        {
+            char bytes[2048] = {};
+            const auto count = from.read (bytes, sizeof (bytes), false);
+
+            if (count <= 0)
+                break;
+
+            head << juce::String (bytes, static_cast<std::size_t> (count));
+        }
+
+        return head;
     }
 
     juce::StreamingSocket listener;

@@ -4,10 +4,11 @@ What belongs to a control stands where the placement table puts that control; on
 their own, below."""
 
 from .flow import flow, signature
+from .layout import LayoutError
 from .scales import marks, response
 from .style import (BAND, CAPTION, DARK1, DEEP_BOTTOM, DEEP_TOP, FACE_BOTTOM, FACE_TOP, INK, INK_DIM, INK_LIGHT,
-                    INK_SOFT, LIGHT1, LIGHT2, PLATE_BOTTOM, PLATE_TOP, RADIUS_PLATE, RADIUS_WELL, SMALL, TICK, TITLE, WELL,
-                    WHITE, document, gradient, line, mix, n, rect, tag, text)
+                    INK_SOFT, LIGHT1, LIGHT2, PLATE_BOTTOM, PLATE_TOP, RADIUS_PLATE, RADIUS_WELL, SMALL, TICK, TITLE,
+                    WELL, WHITE, document, gradient, line, mix, n, rect, tag, text)
 
 LIP = mix(DARK1, LIGHT2, 0.35)  # the lit lower edge of a slot or well on a deep plate
 
@@ -23,8 +24,8 @@ PLATES = [
     (275, 166, 115, 70, False, "SATURATION", "1", 190),
     (395, 166, 115, 70, False, "SATURATION", "2", 190),
     (525, 22, 200, 214, False, "INPUT & MIX", "", 39.5),
-    (275, 244, 235, 196, True, "MODULATION", "", 261.5),
-    (525, 244, 200, 196, True, "SIGNAL", "", 261.5),
+    (275, 244, 235, 196, True, "MODULATION", "", 260.5),
+    (525, 244, 200, 196, True, "SIGNAL", "", 260.5),
 ]
 TITLE_INSET = 12
 
@@ -40,8 +41,11 @@ FADER_CAPTIONS = {
 }
 
 MOD_COLUMNS = ("ENVELOPE", "LFO 1", "LFO 2", "MIDI NOTE", "MIDI GATE", "MOD WHEEL")
-MOD_ROWS = ("DELAY 1 SPEED", "DELAY 2 SPEED", "LFO 1 RATE", "LFO 2 RATE", "FILTER 1 FREQ", "FILTER 2 FREQ", "PAN 1",
-            "PAN 2", "LEVEL 1", "LEVEL 2")
+MOD_ROWS = {
+    "Delay1Mod": "DELAY 1 SPEED", "Delay2Mod": "DELAY 2 SPEED", "LFO1Mod": "LFO 1 RATE", "LFO2Mod": "LFO 2 RATE",
+    "Filter1Mod": "FILTER 1 FREQ", "Filter2Mod": "FILTER 2 FREQ", "Pan1Mod": "PAN 1", "Pan2Mod": "PAN 2",
+    "Level1Mod": "LEVEL 1", "Level2Mod": "LEVEL 2",
+}
 SIGNAL_COLUMNS = ("INPUT L", "INPUT R", "DELAY 1", "DELAY 2", "FILTER 1", "FILTER 2", "SAT 1", "SAT 2")
 SIGNAL_ROWS = (("DELAY IN",), ("DELAY", "FEEDBACK"), ("FILTER IN",), ("SATURATION", "IN"), ("OUTPUT",))
 ROWS = 10
@@ -58,7 +62,8 @@ def plates():
                         stroke=f"url(#{'deepedge' if deep else 'edge'})", stroke_width=1.4))
         ink = INK_LIGHT if deep else INK
         if deep:
-            out.append(text("COLUMN → ROW", x + width - TITLE_INSET, baseline, INK_DIM, SMALL, "end", spacing=0.5))
+            out.append(text("COLUMN → ROW", x + width - TITLE_INSET, baseline, INK_DIM, SMALL, "end",
+                            spacing=0.5))
         out.append(text(title, x + TITLE_INSET, baseline, ink, TITLE, spacing=0.9))
         if number:
             left = x + width - TITLE_INSET - 13
@@ -81,10 +86,10 @@ def scale(row, handle):
     out = []
     for position in minor:
         x = row.x + handle / 2 + position * (row.width - handle)
-        out.append(line(x, row.y + 0.9, x, row.y + 3.4, TICK, 1.2))
+        out.append(line(x, row.y + 0.5, x, row.y + 3.6, TICK, 1.3))
     for position in major:
         x = row.x + handle / 2 + position * (row.width - handle)
-        out.append(line(x, row.y - 0.6, x, row.y + 3.4, INK, 1.7))
+        out.append(line(x, row.y - 0.9, x, row.y + 3.6, INK, 1.8))
     return out
 
 
@@ -93,18 +98,19 @@ def faders(layout):
     for row in layout.arrays["kBigSliders"]:
         out += scale(row, LARGE_HANDLE) + slot(row, row.cy, LARGE_HANDLE)
     values = {row.parameter: row for row in layout.arrays["kLabels"]}
+    named = {"Pan1", "Pan2", *FADER_CAPTIONS}
+    if strangers := {row.parameter for row in layout.arrays["kBigSliders"]} - named:
+        raise LayoutError(f"no caption for {', '.join(sorted(strangers))}")
     for parameter, words in FADER_CAPTIONS.items():
         fader, value = layout.by("kBigSliders", parameter), values[parameter]
-        spacing = 0.35 if len(words) < 8 or value.width < 50 else 0.1  # a gain's text is long, and needs the room
-        out.append(text(words, fader.x + 2.5, value.cy + 3.4, INK, spacing=spacing))
+        out.append(text(words, fader.x + 2.5, value.cy + 3.4, INK))
     for number in "12":
         row = layout.by("kBigSliders", f"Pan{number}")
         base = values[f"Output{number}Level"].cy + 3.4
         out.append(text("L", row.x + 3, base, INK_SOFT, SMALL))
         out.append(text(f"PAN {number}", row.cx, base, INK, anchor="middle"))
         out.append(text("R", row.right - 3, base, INK_SOFT, SMALL, "end"))
-        mode = layout.by("kBigSliders", f"Filter{number}Mode")
-        out += responses(mode)
+        out += responses(layout.by("kBigSliders", f"Filter{number}Mode"))
     for parameter, words in (("EnvAttack", "ATTACK"), ("EnvDecay", "DECAY")):
         row = layout.by("kSmallSliders", parameter)
         out += slot(row, row.cy, SMALL_HANDLE)
@@ -114,11 +120,11 @@ def faders(layout):
 
 def responses(row):
     """The filter's seven responses over the Mode fader, each a small curve above its mark."""
-    out, wide, high = [], 9.4, 7.0
+    out, wide, high = [], 9.4, 6.6
     for step in range(7):
         levels = response(step / 6)
         left = row.x + LARGE_HANDLE / 2 + step / 6 * (row.width - LARGE_HANDLE) - wide / 2
-        points = [(left + wide * index / (len(levels) - 1), row.y - 10.6 + high * min(max((2 - level) / 16, 0), 1))
+        points = [(left + wide * index / (len(levels) - 1), row.y - 10.5 + high * min(max((2 - level) / 16, 0), 1))
                   for index, level in enumerate(levels)]
         out.append(tag("path", d="M" + "L".join(f"{n(x)} {n(y)}" for x, y in points), fill="none",
                        stroke=INK if step % 2 == 0 else INK_SOFT, stroke_width=1.3, stroke_linecap="round",
@@ -160,20 +166,22 @@ def column_captions(grid, names):
     out, wide = [], grid.width / len(names)
     for column, words in enumerate(names):
         x, y = grid.x + (column + 0.5) * wide + 2.4, grid.y - 6.5
-        out.append(text(words, 0, 0, INK_LIGHT, CAPTION, transform=f"translate({n(x)} {n(y)}) rotate(-45)"))
+        out.append(text(words, 0, 0, INK_LIGHT, 9.3, transform=f"translate({n(x)} {n(y)}) rotate(-45)"))
     return out
 
 
 def modulation(layout):
     grid = layout.areas["kModMatrix"]
-    depths = [row for row in layout.arrays["kSmallSliders"] if row.x > grid.x]
-    drop = depths[0].cy - grid.y - grid.height / ROWS / 2
+    depths = [layout.by("kSmallSliders", parameter) for parameter in MOD_ROWS]
+    drops = {fader.cy - grid.y - (row + 0.5) * grid.height / ROWS for row, fader in enumerate(depths)}
+    if len(drops) != 1:
+        raise LayoutError(f"the depth faders do not follow the rows of the modulation grid: they are off by {drops}")
+    drop = drops.pop()
     out = bands(grid.x - 10, depths[0].right + 3, grid, (grid.right + 8, depths[0].x - 6, drop))
     out += well(grid, len(MOD_COLUMNS), (1, 3)) + column_captions(grid, MOD_COLUMNS)
     centre = depths[0].cx
     out.append(line(centre, depths[0].y - 3, centre, depths[-1].bottom + 2, mix(DARK1, LIGHT2, 0.75), 1.3))
-    for row, words in enumerate(MOD_ROWS):
-        fader = depths[row]
+    for fader, words in zip(depths, MOD_ROWS.values()):
         out += slot(fader, fader.cy, SMALL_HANDLE, deep=True)
         out.append(text(words, grid.right + 7, fader.cy + 2.6, INK_LIGHT, CAPTION, spacing=0.25))
     base = depths[0].y - 5.5
@@ -194,8 +202,9 @@ def signal(layout):
     for pair, words in enumerate(SIGNAL_ROWS):
         middle = grid.y + (pair * 2 + 1) * high
         for index, word in enumerate(words):
-            base = middle + 3.2 + (index - (len(words) - 1) / 2) * 9.6
-            out.append(text(word, grid.right + 18, base, INK_LIGHT, CAPTION, spacing=0.15))
+            base = middle + 3.2 + (index - (len(words) - 1) / 2) * 9.4
+            size = CAPTION if len(words) == 1 else SMALL
+            out.append(text(word, grid.right + 18, base, INK_LIGHT, size, spacing=0.15))
     return out
 
 
@@ -224,5 +233,6 @@ def draw(layout):
     ]
     body = [rect(0, 0, layout.width, layout.height, 0, "url(#face)"),
             rect(0, 0, layout.width, 9, 0, "url(#cast)"),
-            *plates(), *faders(layout), *modulation(layout), *signal(layout), *sections(layout), *flow(layout), *signature()]
+            *plates(), *faders(layout), *modulation(layout), *signal(layout), *sections(layout), *flow(),
+            *signature()]
     return document(layout.width, layout.height, body, defs)

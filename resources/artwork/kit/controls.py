@@ -26,7 +26,7 @@ WAVES = ("wave_triangle", "wave_sine", "wave_square", "wave_random")  # down the
 DEFS = [
     gradient("raised", mix(LIGHT1, WHITE, 0.88), mix(LIGHT1, WHITE, 0.40)),
     gradient("pressed", DARK1, mix(DARK2, LIGHT2, 0.10)),
-    gradient("alarm", mix(RED, DARK1, 0.38), mix(RED, DARK1, 0.12)),
+    gradient("alarm", mix(RED, DARK1, 0.42), mix(RED, DARK1, 0.22)),
     gradient("track", mix(LIGHT1, LIGHT2, 0.55), mix(LIGHT1, LIGHT2, 0.25)),
 ]
 RIM_OFF, RIM_ON = mix(LIGHT2, DARK2, 0.25), DARK1
@@ -64,8 +64,10 @@ def button(glyphs, name):
         body += [key(1.6, top + 1.6, KEY_WIDTH - 3.2, KEY_HEIGHT - 3.8, lit, "alarm" if colour == RED else "pressed"),
                  lamp(9.2, top + 8.7, lamp_colour, lit)]
         if sign:
-            body.append(glyph(glyphs, sign, 15 if len(word) > 1 else 16.5, top + 3.9, 10.5, 9.6, ink))
-        body.append(text(word, 35.4 if len(word) > 1 and sign else 32 if sign else 29.4, top + 12.2, ink, 10.0, "middle", spacing=0.3 if sign else 0.5))
+            long = len(word) > 1
+            body.append(glyph(glyphs, sign, 14.4 if long else 17, top + 3.9, 9.4 if long else 10.5, 9.6, ink))
+        middle = 29.4 if not sign else 34.2 if long else 32.5
+        body.append(text(word, middle, top + 12.2, ink, 10.0, "middle", spacing=0.2 if sign or len(word) > 4 else 0.4))
     return document(KEY_WIDTH, 2 * KEY_HEIGHT, body, DEFS)
 
 

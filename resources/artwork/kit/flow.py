@@ -8,7 +8,8 @@ STROKE = 1.4
 
 def box(x, y, width, height, words, filled=False):
     return [rect(x, y, width, height, 4, INK if filled else "none", stroke=INK, stroke_width=STROKE),
-            text(words, x + width / 2, y + height / 2 + 3.3, INK_LIGHT if filled else INK, SMALL, "middle", spacing=0.5)]
+            text(words, x + width / 2, y + height / 2 + 3.3, INK_LIGHT if filled else INK, SMALL, "middle",
+                 spacing=0.5)]
 
 
 def arrow(points, heads=("end",)):
@@ -24,7 +25,7 @@ def arrow(points, heads=("end",)):
     return out
 
 
-def flow(layout):
+def flow():
     """Input through the signal grid and its three kinds of node to the outputs; the dry way beside it."""
     main, nodes, dry, total = 478, 505, 459, 664
     out = box(275, main - 8.5, 50, 17, "INPUT")
@@ -39,7 +40,8 @@ def flow(layout):
     out.append(text("WET", 625, main - 4, INK, SMALL, "middle"))
     out.append(text("DRY", 625, dry - 4, INK, SMALL, "middle"))
     out.append(tag("circle", cx=total, cy=main, r=7.5, fill=PLATE_TOP, stroke=INK, stroke_width=STROKE))
-    out += [line(total - 3.5, main, total + 3.5, main, INK, STROKE), line(total, main - 3.5, total, main + 3.5, INK, STROKE)]
+    out.append(line(total - 3.5, main, total + 3.5, main, INK, STROKE))
+    out.append(line(total, main - 3.5, total, main + 3.5, INK, STROKE))
     out.append(text("OUT", 725, main + 3.4, INK, CAPTION, "end", spacing=0.5))
     return out
 

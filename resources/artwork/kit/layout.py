@@ -86,7 +86,7 @@ class Layout:
         found = re.fullmatch(r"\{\s*(.+?)\s*\},?", line)
         cells = [cell.strip() for cell in found[1].split(",")] if found else []
         words = [cell for cell in cells if re.fullmatch(r"[A-Za-z_][\w:]*", cell)]
-        numbers = [float(cell) for cell in cells if re.fullmatch(r"-?[\d.]+f?", cell.rstrip("f") or "-")]
+        numbers = [float(cell.rstrip("f")) for cell in cells if re.fullmatch(r"-?\d+(\.\d+)?f?", cell)]
         wanted = 2 if width else 3
         if not words or len(words) + len(numbers) != len(cells) or len(numbers) != wanted:
             raise LayoutError(f"{name}: cannot read the row {line}")
@@ -97,7 +97,7 @@ class Layout:
 
     def _area(self, text, name):
         found = re.search(rf"constexpr Area {name}\s*\{{([^}}]*)\}}", text)
-        numbers = [float(cell) for cell in found[1].split(",")] if found else []
+        numbers = [float(cell.strip().rstrip("f")) for cell in found[1].split(",")] if found else []
         if len(numbers) != 4:
             raise LayoutError(f"the area {name} is missing or has not four numbers")
         return Row(name, name, "", *numbers)

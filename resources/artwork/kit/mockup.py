@@ -5,9 +5,10 @@ import base64
 import math
 import re
 
-from .style import LIGHT1, LIGHT2, RED, DARK1, mix, rect, tag, text
+from .style import LIGHT1, LIGHT2, RED, DARK1, rect, tag, text
 
 WIDTHS = (600, 900, 1500)
+FONT_HEIGHT = 1.264  # ascent and descent together, in ems: the framework sizes type by them
 
 # Parameter: position of its handle, text of its label. What is not told stands at a half.
 FADERS = {
@@ -33,7 +34,6 @@ class Window:
     def __init__(self, resources):
         self.resources = resources
         self.uris = {}
-        self.clips = 0
 
     def image(self, name, x, y, width, height, frame=0, frames=1):
         """One frame of a strip, stretched into a box."""
@@ -57,9 +57,9 @@ class Window:
             name = IMAGES.get(row.image, f"btn_{row.image}")
             out.append(self.image(name, row.x, row.y, row.width, row.height, int(row.parameter in LIT), 2))
         for row in layout.arrays["kLabels"]:
-            size = 0.6 * row.height / 1.164  # a font's height takes in ascent and descent
-            out.append(tag("text", FADERS[row.parameter][1], x=row.right, y=row.cy + 3.2, fill="#0c0c0d",
-                           font_family="DejaVu Sans", font_size=size, text_anchor="end"))
+            size = 0.6 * row.height / FONT_HEIGHT
+            out.append(text(FADERS[row.parameter][1], row.right, row.cy + 3.4, "#0c0c0d", size,
+                            "end", weight=500, spacing=0))
         for area, columns, on in (("kModMatrix", 6, MODULATION), ("kSignalMatrix", 8, SIGNAL)):
             grid = layout.areas[area]
             wide, high = grid.width / columns, grid.height / 10
@@ -83,13 +83,13 @@ class Window:
         out = [rect(0, 0, 100, 5, 0, DARK1)]
         out.append(self.logo("logo_kana", 2 - 0.5 + 12, 1.5 - 0.15, 11, 3.3, LIGHT1, 0.25))
         out.append(self.logo("logo", 2, 1.5, 10, 3, LIGHT1))
-        plain = {"size": 1 / 1.264, "anchor": "middle", "weight": 500, "spacing": 0}
+        plain = {"size": 1 / FONT_HEIGHT, "anchor": "middle", "weight": 500, "spacing": 0}
         for words, x, wide in (("UNDO", 26, 4), ("REDO", 30.5, 4)):
             out.append(rect(x, 1.5, wide, 2, 0.3, LIGHT2, fill_opacity=0.2))
             out.append(text(words, x + wide / 2, 2.78, LIGHT2, **plain))
         out.append(rect(35.2, 1.2, 29.6, 2.6, 0.5, "none", stroke=LIGHT2, stroke_width=0.1))
         out += [tag("circle", cx=x, cy=2.5, r=0.25, fill=LIGHT2) for x in (36.25, 63.75)]
-        out.append(text("Deep Water Echo *", 50, 2.92, LIGHT1, **{**plain, "size": 1.5 / 1.264}))
+        out.append(text("Deep Water Echo *", 50, 2.92, LIGHT1, **{**plain, "size": 1.5 / FONT_HEIGHT}))
         star = ["M", *("L".join(f"{math.cos(a) * r} {math.sin(a) * r}" for i in range(10)
                                 for a, r in [(-math.pi / 2 + i * math.pi / 5, 0.72 if i % 2 == 0 else 0.33)])), "Z"]
         out.append(tag("path", d="".join(star), fill=LIGHT1, fill_opacity=0.85, transform="translate(66.25 2.5)"))
@@ -104,8 +104,9 @@ def compose(layout, resources, width):
     """The whole window as one SVG, in pixels of that width."""
     window, unit = Window(resources), width / 100
     strip = tag("g", "".join(window.strip()), transform=f"scale({unit})")
-    panel = tag("g", "".join(window.controls(layout)), transform=f"translate(0 {5 * unit}) scale({width / layout.width})")
-    grip = "".join(tag("circle", cx=x, cy=y, r=0.25 * unit, fill=mix(LIGHT2, DARK1, 0), fill_opacity=0.5)
+    move = f"translate(0 {5 * unit}) scale({width / layout.width})"
+    panel = tag("g", "".join(window.controls(layout)), transform=move)
+    grip = "".join(tag("circle", cx=x, cy=y, r=0.25 * unit, fill=LIGHT2, fill_opacity=0.5)
                    for x, y in ((width - unit, 0.75 * width - unit), (width - unit, 0.75 * width - 2 * unit),
                                 (width - 2 * unit, 0.75 * width - unit)))
     return (f'<svg xmlns="http://www.w3.org/2000/svg" width="{width}" height="{width * 3 // 4}">'

@@ -3,6 +3,8 @@
 
 import math
 
+from .layout import LayoutError
+
 
 def even(steps):
     return [step / steps for step in range(steps + 1)]
@@ -61,4 +63,4 @@ def marks(parameter):
     for word, lists in SCALES.items():
         if stem.endswith(word):
             return lists
-    raise KeyError(f"no scale for {parameter}")
+    raise LayoutError(f"no scale for {parameter}")

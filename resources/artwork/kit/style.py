@@ -49,6 +49,25 @@ def contrast(first, second):
     return (high + 0.05) / (low + 0.05)
 
 
+# What is written on what: make-artwork --check wants LEAST_CONTRAST of each. Where the ground shades from top to
+# bottom, its worse end counts.
+LEAST_CONTRAST = 4.5
+PAIRS = [
+    # words, their colour, the ground
+    ("value text on a pale plate", "#0c0c0d", PLATE_BOTTOM),
+    ("titles and captions on a pale plate", INK, PLATE_BOTTOM),
+    ("second-rank words on a pale plate", INK_SOFT, PLATE_BOTTOM),
+    ("words on the face", INK, FACE_BOTTOM),
+    ("titles and captions on a deep plate", INK_LIGHT, DEEP_TOP),
+    ("captions on a band of a deep plate", INK_LIGHT, BAND),
+    ("second-rank words on a deep plate", INK_DIM, DEEP_TOP),
+    ("word on a raised key", INK, mix(LIGHT1, WHITE, 0.40)),
+    ("word on a pressed key", INK_LIGHT, mix(DARK2, LIGHT2, 0.10)),
+    ("word on the pressed KILL key", INK_LIGHT, mix(RED, DARK1, 0.22)),
+    ("number in a badge", PLATE_TOP, INK),
+]
+
+
 def n(value):
     """A number as SVG wants it: no more than three decimals, none to spare."""
     text = f"{value:.3f}".rstrip("0").rstrip(".")
