@@ -72,6 +72,7 @@ set(PLUGIN_SOURCES
     source/state/document_guard.cpp
     source/state/document_scanner.cpp
     source/state/first_run_install.cpp
+    source/state/folder_listing.cpp
     source/state/global_settings.cpp
     source/state/name_cache.cpp
     source/state/parameter_state.cpp

@@ -41,7 +41,7 @@ juce::File exportFolder (const juce::File& folder)
     {
         juce::FileOutputStream out (fresh);
         complete = out.openedOk() && builder.writeToStream (out, nullptr);
-        out.flush();
+        out.flush();  // a last write that comes up short shows only here
         complete = complete && out.getStatus().wasOk();
     }
 

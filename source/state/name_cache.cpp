@@ -2,6 +2,7 @@
 #include "state/name_cache.h"
 
 #include "state/document_guard.h"
+#include "state/folder_listing.h"
 #include "state/whole_file.h"
 
 // Stored: never edit.
@@ -36,34 +37,23 @@ PresetNames readNameCache (const juce::File& presetFolder)
     return names;
 }
 
-static int countPresetFiles (const juce::File& presetFolder)
-{
-    int count = 0;
-
-    // A link back up the tree is walked once: its system would follow it some forty levels deep.
-    for ([[maybe_unused]] const auto& entry :
-         juce::RangedDirectoryIterator (presetFolder, true, "*.zbpreset", juce::File::findFiles,
-                                        juce::File::FollowSymlinks::noCycles))
-        ++count;
-
-    return count;
-}
-
 bool readCurrentNameCache (const juce::File& presetFolder, KnownPresets& known)
 {
     const auto cache = parseDocument (nameCacheFile (presetFolder));
 
     if (cache == nullptr || ! hasTag (*cache, kCacheTag) ||
         cache->getIntAttribute (kVersion) != kPresentVersion ||
-        cache->getIntAttribute (kFileCount, -1) != countPresetFiles (presetFolder))
+        cache->getIntAttribute (kFileCount, -1) != countFilesBelow (presetFolder, ".zbpreset"))
         return false;
 
     known.clear();
 
+    // The file is in the map's order, so that each entry goes to the end.
     for (const auto* preset : cache->getChildIterator())
         if (hasTag (*preset, kPresetTag))
-            known[preset->getStringAttribute (kPath)] = { preset->getStringAttribute (kName),
-                                                          preset->getIntAttribute (kType, 2) };
+            known.insert_or_assign (known.end(), preset->getStringAttribute (kPath),
+                                    KnownPreset { preset->getStringAttribute (kName),
+                                                  preset->getIntAttribute (kType, 2) });
 
     return true;
 }
