@@ -196,6 +196,8 @@ std::unique_ptr<juce::TextButton> AboutView::makeButton (const juce::String& nam
 {
     auto button = std::make_unique<juce::TextButton> (name);
     button->setTooltip (tip);
+    button->setTitle (name);
+    button->setDescription (tip);
     button->setAlpha (0.0f);
     button->addListener (this);
     addAndMakeVisible (*button);

@@ -93,6 +93,7 @@ VelkorAudioProcessorEditor::~VelkorAudioProcessorEditor()
 void VelkorAudioProcessorEditor::buildButtons()
 {
     aboutButton = makeButton ("ABOUT", nullptr);
+    aboutButton->setDescription ("Shows version, credits and system information");
     favoriteButton = makeButton ("FAVORITE", "Toggle favorite status for current preset");
     bypassButton = makeButton ("BYPASS", "Bypass: Smoothly bypass all processing");
     undoButton = makeButton ("UNDO", "Undo last parameter change");
@@ -115,8 +116,13 @@ std::unique_ptr<juce::TextButton> VelkorAudioProcessorEditor::makeButton (const 
     button->setAlpha (0.0f);
     addAndMakeVisible (*button);
 
+    button->setTitle (name);
+
     if (toolTip != nullptr)
+    {
         button->setTooltip (toolTip);
+        button->setDescription (toolTip);
+    }
 
     return button;
 }
