@@ -31,35 +31,32 @@ static juce::String textOf (const std::u8string& path)
     return juce::String::fromUTF8 (reinterpret_cast<const char*> (path.c_str()));
 }
 
+static juce::String nameOf (const fs::directory_entry& entry)
+{
+    return textOf (entry.path().filename().u8string());
+}
+
 std::vector<FolderEntry> listEntries (const juce::File& folder)
 {
     std::vector<FolderEntry> entries;
-    forEachEntry (
-        filesystemPath (folder),
-        [&] (const fs::directory_entry& entry, bool isFolder)
-        {
-            entries.push_back (
-                { folder.getChildFile (textOf (entry.path().filename().u8string())), isFolder });
-        });
+    forEachEntry (filesystemPath (folder),
+                  [&] (const fs::directory_entry& entry, bool isFolder) {
+                      entries.push_back ({ folder.getChildFile (nameOf (entry)), isFolder });
+                  });
     return entries;
 }
 
-static bool hasExtension (const fs::path& file, juce::StringRef extension)
+/** Calls visit with each entry of a folder and of those below it. The trail holds the real places of the
+    folders on the way. */
+template <typename Visit>
+static void forEachBelow (const fs::path& folder, std::vector<fs::path>& trail, Visit& visit)
 {
-    return textOf (file.filename().u8string()).endsWithIgnoreCase (extension);
-}
-
-/** The trail holds the real places of the folders on the way. */
-static int countBelow (const fs::path& folder, juce::StringRef extension,
-                       std::vector<fs::path>& trail)
-{
-    int count = 0;
     forEachEntry (folder,
                   [&] (const fs::directory_entry& entry, bool isFolder)
                   {
                       if (! isFolder)
                       {
-                          count += hasExtension (entry.path(), extension) ? 1 : 0;
+                          visit (entry, false);
                           return;
                       }
 
@@ -71,17 +68,41 @@ static int countBelow (const fs::path& folder, juce::StringRef extension,
                       if (failure || std::find (trail.begin(), trail.end(), place) != trail.end())
                           return;
 
+                      visit (entry, true);
                       trail.push_back (std::move (place));
-                      count += countBelow (entry.path(), extension, trail);
+                      forEachBelow (entry.path(), trail, visit);
                       trail.pop_back();
                   });
-    return count;
 }
 
-int countFilesBelow (const juce::File& folder, juce::StringRef extension)
+template <typename Visit>
+static void forEachBelow (const juce::File& folder, Visit&& visit)
 {
     std::error_code failure;
     const auto top = filesystemPath (folder);
     std::vector<fs::path> trail { fs::canonical (top, failure) };
-    return failure ? 0 : countBelow (top, extension, trail);
+
+    if (! failure)
+        forEachBelow (top, trail, visit);
+}
+
+std::vector<FolderEntry> listEntriesBelow (const juce::File& folder)
+{
+    std::vector<FolderEntry> entries;
+    forEachBelow (
+        folder,
+        [&] (const fs::directory_entry& entry, bool isFolder) {
+            entries.push_back ({ juce::File (textOf (entry.path().u8string())), isFolder });
+        });
+    return entries;
+}
+
+int countFilesBelow (const juce::File& folder, juce::StringRef extension)
+{
+    int count = 0;
+    forEachBelow (folder,
+                  [&] (const fs::directory_entry& entry, bool isFolder) {
+                      count += ! isFolder && nameOf (entry).endsWithIgnoreCase (extension) ? 1 : 0;
+                  });
+    return count;
 }

@@ -16,7 +16,10 @@ struct FolderEntry
     the system about links alone, where the framework's own listing asks about every file. Any thread. */
 std::vector<FolderEntry> listEntries (const juce::File& folder);
 
-/** Number of files in a folder and below it whose extension, its dot included, is the given one in any case.
-    Counts hidden ones, and what is behind links, but for a link that leads back to a folder on the way to it.
-    Any thread. */
+/** The same of a folder and all folders below it, those behind links included; leaves out a link that leads
+    back to a folder on the way to it. Any thread. */
+std::vector<FolderEntry> listEntriesBelow (const juce::File& folder);
+
+/** Number of files in a folder and below it, by the same rules, whose extension, its dot included, is the given
+    one in any case. Any thread. */
 int countFilesBelow (const juce::File& folder, juce::StringRef extension);

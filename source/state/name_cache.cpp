@@ -5,6 +5,8 @@
 #include "state/folder_listing.h"
 #include "state/whole_file.h"
 
+#include <algorithm>
+
 // Stored: never edit.
 static constexpr auto kCacheFile = "preset_info.xml";
 static constexpr auto kCacheTag = "PresetCache";
@@ -67,14 +69,15 @@ bool writeNameCache (const juce::File& presetFolder, const juce::String& pluginN
     cache.setAttribute (kFileCount, static_cast<int> (known.size()));
 
     // From the end: an element finds its last child by walking past all the others.
-    for (auto entry = known.rbegin(); entry != known.rend(); ++entry)
-    {
-        auto* const preset = new juce::XmlElement (kPresetTag);
-        cache.prependChildElement (preset);
-        preset->setAttribute (kPath, entry->first);
-        preset->setAttribute (kName, entry->second.name);
-        preset->setAttribute (kType, entry->second.type);
-    }
+    std::for_each (known.rbegin(), known.rend(),
+                   [&cache] (const KnownPresets::value_type& entry)
+                   {
+                       auto* const preset = new juce::XmlElement (kPresetTag);
+                       cache.prependChildElement (preset);
+                       preset->setAttribute (kPath, entry.first);
+                       preset->setAttribute (kName, entry.second.name);
+                       preset->setAttribute (kType, entry.second.type);
+                   });
 
     return replaceWithDocument (nameCacheFile (presetFolder), cache, Durable::no);
 }
