@@ -27,6 +27,7 @@ juce_add_plugin(Velkor
     IS_MIDI_EFFECT FALSE
     NEEDS_MIDI_INPUT TRUE
     NEEDS_MIDI_OUTPUT FALSE
+    EDITOR_WANTS_KEYBOARD_FOCUS TRUE    # the browser walks by arrow keys, and names are typed
     MICROPHONE_PERMISSION_ENABLED TRUE
     MICROPHONE_PERMISSION_TEXT "Velkor processes the sound of the audio input."
     VST3_CATEGORIES Fx Delay
