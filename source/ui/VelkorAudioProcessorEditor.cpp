@@ -51,7 +51,6 @@ VelkorAudioProcessorEditor::VelkorAudioProcessorEditor (
     constrainer.setSizeLimits (600, 450, 1500, 1125);
     constrainer.setFixedAspectRatio (4.0 / 3.0);
     setConstrainer (&constrainer);
-    setResizable (true, false);
 
     shared = std::make_unique<SharedInterface> (velkor, state);
     presetManager = std::make_unique<zb_PresetManager> (
