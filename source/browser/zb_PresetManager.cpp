@@ -234,8 +234,8 @@ void zb_PresetManager::cancel()
     if (undoState.isNotEmpty())
     {
         setStateFromText (undoState);
-        processor.presetName =
-            undoPresetName;  // a failed load may have left another than the document's
+        processor.setPresetName (
+            undoPresetName);  // a failed load may have left another than the document's
         processor.currentProgram = undoProgram;
         getTopLevelComponent()->repaint();
     }

@@ -27,7 +27,7 @@ VelkorAudioProcessor::VelkorAudioProcessor()
     linkSyncParameters (parameterTree);
     engine = std::make_unique<VelkorEngine>();
     stateTag = kStateTag;
-    presetName = "- Init -";
+    setPresetName ("- Init -");
 
     presetFolder = defaultPresetFolder();
     installFirstRunContent (presetFolder, BinaryData::Presets_zip, BinaryData::Presets_zipSize);
@@ -88,7 +88,7 @@ void VelkorAudioProcessor::setStateInformation (const void* data, int sizeInByte
 
 void VelkorAudioProcessor::saveStateToXML (juce::XmlElement& target, const juce::var&)
 {
-    target = *writePresetDocument (stateTag, presetName, parameterTree, *engine);
+    target = *writePresetDocument (stateTag, getPresetName(), parameterTree, *engine);
 }
 
 void VelkorAudioProcessor::loadStateFromXML (juce::XmlElement* document, const juce::var&)
@@ -96,7 +96,7 @@ void VelkorAudioProcessor::loadStateFromXML (juce::XmlElement* document, const j
     if (document == nullptr || ! isPresetDocument (*document, stateTag))
         return;
 
-    presetName = readPresetName (*document);
+    setPresetName (readPresetName (*document));
     readPresetParameters (*document, parameterTree);
 
     if (engine != nullptr)

@@ -18,7 +18,7 @@ public:
     VelkorAudioProcessor();
     ~VelkorAudioProcessor() override;
 
-    /** The 57 parameters in the order in which the host sees them. */
+    /** The 57 parameters in the order in which the host sees them. Any thread but the audio thread. */
     static juce::AudioProcessorValueTreeState::ParameterLayout buildParameters();
 
     const juce::String getName() const override { return "Velkor"; }
@@ -49,10 +49,12 @@ public:
     void setStateInformation (const void* data, int sizeInBytes) override;
 
     /** Replaces name, parameters, matrices and undo history by those of a document; ignores one that has
-        another root or no parameters. Takes the store's lock, connectionLock and modLock, one after the
-        other. */
+        another root or no parameters. Takes programListLock, the store's lock, connectionLock and modLock,
+        one after the other. Any thread but the audio thread. */
     void loadStateFromXML (juce::XmlElement* document, const juce::var& context = {}) override;
 
+    /** Makes target the document of the present sound. Takes programListLock and the store's lock, one
+        after the other; reads the matrices without theirs. Any thread but the audio thread. */
     void saveStateToXML (juce::XmlElement& target, const juce::var& context = {}) override;
 
     /** Writes the settings of the machine; a failure isn't noticed. Message thread. */

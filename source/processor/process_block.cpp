@@ -2,6 +2,7 @@
 #include "processor/VelkorAudioProcessor.h"
 
 #include <cmath>
+#include <cstdint>
 
 void VelkorAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi)
 {

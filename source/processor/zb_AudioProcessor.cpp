@@ -3,6 +3,9 @@
 
 #include "state/document_guard.h"
 #include "state/name_cache.h"
+#include "state/preset_document.h"
+
+#include <utility>
 
 zb_AudioProcessor::zb_AudioProcessor (const BusesProperties& buses) : juce::AudioProcessor (buses)
 {
@@ -11,6 +14,19 @@ zb_AudioProcessor::zb_AudioProcessor (const BusesProperties& buses) : juce::Audi
 juce::AudioProcessorListener::ChangeDetails zb_AudioProcessor::stateChanged()
 {
     return juce::AudioProcessorListener::ChangeDetails::getDefaultFlags();
+}
+
+void zb_AudioProcessor::setPresetName (juce::String name)
+{
+    // The old text goes with the argument, when the lock is free again.
+    const juce::SpinLock::ScopedLockType lock (programListLock);
+    std::swap (presetName, name);
+}
+
+juce::String zb_AudioProcessor::getPresetName() const
+{
+    const juce::SpinLock::ScopedLockType lock (programListLock);
+    return presetName;
 }
 
 int zb_AudioProcessor::getNumPrograms()
@@ -40,11 +56,16 @@ void zb_AudioProcessor::setCurrentProgram (int index)
 
     const auto document = parseDocument (file);
 
-    if (document == nullptr || ! hasTag (*document, stateTag))
+    if (document == nullptr || ! isPresetDocument (*document, stateTag))
         return;
 
     loadStateFromXML (document.get());
-    currentProgram = index;
+
+    {
+        const juce::SpinLock::ScopedLockType lock (programListLock);
+        currentProgram = index;
+    }
+
     updateHostDisplay (stateChanged());
 
     if (auto* const editor = getActiveEditor())
@@ -101,7 +122,12 @@ void zb_AudioProcessor::refreshProgramList()
 
     for (const auto& file : files)
     {
-        const auto path = file.getRelativePathFrom (programFolder).replaceCharacter ('\\', '/');
+        auto path = file.getRelativePathFrom (programFolder);
+
+#if JUCE_WINDOWS
+        path = path.replaceCharacter ('\\', '/');  // elsewhere it may be part of a name
+#endif
+
         const auto found = names.find (path);
         const auto name = found == names.end() ? juce::String() : found->second;
         fresh.add ({ file, name, name.isNotEmpty() });

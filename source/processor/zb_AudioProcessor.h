@@ -27,6 +27,13 @@ public:
     /** Makes target the document of the present sound, its tag included. Any thread but the audio thread. */
     virtual void saveStateToXML (juce::XmlElement& target, const juce::var& context = {}) = 0;
 
+    /** Names the present sound. Hosts ask for the name on any thread, so nothing else assigns presetName while
+        one may. Any thread but the audio thread; takes programListLock. */
+    void setPresetName (juce::String name);
+
+    /** The name of the present sound. Any thread but the audio thread; takes programListLock. */
+    juce::String getPresetName() const;
+
     /** The number of rows, and at least 1: hosts must always see a program. Any thread. */
     int getNumPrograms() override;
 
@@ -51,13 +58,13 @@ public:
     /** What the host is told after every change of the sound that it didn't make. */
     static juce::AudioProcessorListener::ChangeDetails stateChanged();
 
-    juce::String presetName;             ///< the display name of the present sound
-    juce::String stateTag;               ///< root tag of this product's documents
-    int currentProgram = 0;              ///< index of the present preset in the browser's list
-    juce::URL factoryContentUrl;         ///< where more presets can be had; empty in this product
+    juce::String presetName;      ///< without the lock only to be read, and by the message thread
+    juce::String stateTag;        ///< root tag of this product's documents
+    int currentProgram = 0;       ///< index of the present preset in the browser's list
+    juce::URL factoryContentUrl;  ///< where more presets can be had; empty in this product
     bool factoryContentOffered = false;  ///< whether that is offered
     juce::Array<PresetInfo> programList;
-    juce::SpinLock programListLock;  ///< guards programList
+    juce::SpinLock programListLock;  ///< guards programList, presetName and currentProgram
     juce::File programFolder;        ///< root of the list; empty in this product
 
 private:

@@ -47,29 +47,44 @@ static bool isUtf8 (std::string_view text) noexcept
     return true;
 }
 
-std::unique_ptr<juce::XmlElement> parseDocument (const juce::String& text)
+static std::unique_ptr<juce::XmlElement> parseText (const juce::String& text,
+                                                    const DocumentLimits& limits)
 {
     const std::string_view bytes (text.toRawUTF8());
 
-    if (bytes.size() > kMaxDocumentBytes || ! isUtf8 (bytes) || ! DocumentScanner (text).accept())
+    if (bytes.size() > limits.bytes || ! isUtf8 (bytes) ||
+        ! DocumentScanner (text, limits.names).accept())
         return nullptr;
 
     return juce::parseXML (text);
 }
 
-std::unique_ptr<juce::XmlElement> parseDocument (const juce::MemoryBlock& bytes)
+static std::unique_ptr<juce::XmlElement> parseBytes (const juce::MemoryBlock& bytes,
+                                                     const DocumentLimits& limits)
 {
-    if (bytes.getSize() > kMaxDocumentBytes)
+    if (bytes.getSize() > limits.bytes)
         return nullptr;
 
-    return parseDocument (
-        juce::String::createStringFromData (bytes.getData(), static_cast<int> (bytes.getSize())));
+    return parseText (
+        juce::String::createStringFromData (bytes.getData(), static_cast<int> (bytes.getSize())),
+        limits);
 }
 
-std::unique_ptr<juce::XmlElement> parseDocument (const juce::File& file)
+std::unique_ptr<juce::XmlElement> parseDocument (const juce::String& text)
+{
+    return parseText (text, {});
+}
+
+std::unique_ptr<juce::XmlElement> parseDocument (const juce::MemoryBlock& bytes)
+{
+    return parseBytes (bytes, {});
+}
+
+std::unique_ptr<juce::XmlElement> parseDocument (const juce::File& file,
+                                                 const DocumentLimits& limits)
 {
     juce::MemoryBlock bytes;
-    return readRegularFile (file, kMaxDocumentBytes, bytes) ? parseDocument (bytes) : nullptr;
+    return readRegularFile (file, limits.bytes, bytes) ? parseBytes (bytes, limits) : nullptr;
 }
 
 bool hasTag (const juce::XmlElement& element, juce::StringRef name)

@@ -3,6 +3,7 @@
 
 #include <juce_core/juce_core.h>
 
+#include <cstddef>
 #include <memory>
 
 /** Documents come from strangers, and the framework's parser recurses once per level, follows entities
@@ -17,11 +18,22 @@ inline constexpr std::size_t kMaxDocumentBytes = 4u << 20;
     later versions may put beside ours. The parser needs some 300 bytes of stack for each. */
 inline constexpr int kMaxDocumentDepth = 64;
 
-/** Elements and attributes in all, attributes of one element, and bytes of one attribute's value. The
-    framework's records of them are lists that are walked, so that time grows with the square. */
+/** Elements and attributes in all: some hundred bytes of memory each. */
 inline constexpr int kMaxDocumentNames = 65536;
+
+/** Attributes of one element. As properties of a tree they are a list that each new one walks. */
 inline constexpr int kMaxElementAttributes = 64;
-inline constexpr std::ptrdiff_t kMaxAttributeBytes = 16384;
+
+/** Characters of one attribute's value, an escape being one: a writer may spell the same value longer than it was
+    read, and what is read once must be read again. */
+inline constexpr int kMaxAttributeCharacters = 16384;
+
+/** How large a document may be. */
+struct DocumentLimits
+{
+    std::size_t bytes = kMaxDocumentBytes;
+    int names = kMaxDocumentNames;  ///< elements and attributes
+};
 
 /** Parses a text. */
 std::unique_ptr<juce::XmlElement> parseDocument (const juce::String& text);
@@ -30,8 +42,10 @@ std::unique_ptr<juce::XmlElement> parseDocument (const juce::String& text);
     ends them. */
 std::unique_ptr<juce::XmlElement> parseDocument (const juce::MemoryBlock& bytes);
 
-/** Parses a regular file; anything else, such as a pipe, isn't opened. */
-std::unique_ptr<juce::XmlElement> parseDocument (const juce::File& file);
+/** Parses a regular file; anything else, such as a pipe, isn't opened. A file that grows with what the user has,
+    and that nobody trades, may be given limits of its own. */
+std::unique_ptr<juce::XmlElement> parseDocument (const juce::File& file,
+                                                 const DocumentLimits& limits = {});
 
 /** Whether an element's tag is name, ignoring case. */
 bool hasTag (const juce::XmlElement& element, juce::StringRef name);

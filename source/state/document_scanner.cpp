@@ -77,7 +77,7 @@ bool DocumentScanner::skipGap() noexcept
 
 bool DocumentScanner::skipName() noexcept
 {
-    if (! isNameChar (*p) || p.isDigit() || *p == '-' || *p == '.' || ++names > kMaxDocumentNames)
+    if (! isNameChar (*p) || p.isDigit() || *p == '-' || *p == '.' || ++names > maxNames)
         return false;
 
     while (isNameChar (*p))
@@ -138,11 +138,11 @@ bool DocumentScanner::skipValue()
         return false;
 
     ++p;
-    const char* const start = p.getAddress();
+    characters = 0;
 
     while (*p != quote)
     {
-        if (p.isEmpty() || p.getAddress() - start > kMaxAttributeBytes)
+        if (p.isEmpty())
             return false;
 
         if (*p == '&')
@@ -153,11 +153,26 @@ bool DocumentScanner::skipValue()
         else
         {
             ++p;
+            ++characters;
         }
+
+        if (characters > kMaxAttributeCharacters)
+            return false;
     }
 
     ++p;
     return true;
+}
+
+/** Whether text begins with one of the escapes that have a name, its semicolon included; their case is free. */
+static bool isKnownEscape (juce::CharPointer_UTF8 text) noexcept
+{
+    for (const char* const known : { "amp;", "quot;", "apos;", "lt;", "gt;" })
+        if (text.compareIgnoreCaseUpTo (juce::CharPointer_ASCII (known),
+                                        static_cast<int> (std::strlen (known))) == 0)
+            return true;
+
+    return false;
 }
 
 /** An escape that ends where it should. The names of unknown ones are harmless: they become text. */
@@ -169,9 +184,13 @@ bool DocumentScanner::skipEscape()
     if (*p == '#')
         return skipNumericEscape();
 
-    for (int length = 0; isNameChar (*p) && length < kMaxName; ++length)
+    const bool isKnown = isKnownEscape (p);
+    int length = 0;
+
+    for (; isNameChar (*p) && length < kMaxName; ++length)
         ++p;
 
+    characters += isKnown ? 1 : length;
     return p.getAndAdvance() == ';';
 }
 
@@ -199,6 +218,7 @@ bool DocumentScanner::skipNumericEscape()
     }
 
     ++p;
+    ++characters;
     return code != 0 &&
            juce::CharacterFunctions::isNonSurrogateCodePoint (static_cast<juce::juce_wchar> (code));
 }

@@ -10,11 +10,15 @@
 class DocumentScanner
 {
 public:
-    /** The text has to be valid UTF-8 and must outlive the scanner. */
-    explicit DocumentScanner (const juce::String& text) : p (text.getCharPointer()) {}
+    /** The text has to be valid UTF-8 and must outlive the scanner. It may have so many elements and
+        attributes. */
+    DocumentScanner (const juce::String& text, int namesAllowed)
+        : p (text.getCharPointer()), maxNames (namesAllowed)
+    {
+    }
 
-    /** True if the text is one element with its contents, within the limits of document_guard.h. Whatever
-        follows the element is not looked at, as the parser does not. */
+    /** True if the text is one element with its contents, within the limits given and those of
+        document_guard.h. Whatever follows the element is not looked at, as the parser does not. */
     bool accept();
 
 private:
@@ -33,7 +37,9 @@ private:
     bool skipContent();
 
     Pointer p;
+    int maxNames;
     int depth = 0;
     int names = 0;
+    int characters = 0;           ///< of the last value, escapes decoded
     bool sawInstruction = false;  ///< in the last gap
 };

@@ -16,7 +16,8 @@ static constexpr auto kUserFolder = "User";
 static constexpr auto kDefaultPreset = "User/Default.zbpreset";
 static constexpr auto kResourceForks = "__MACOSX";  ///< what archives made on a Mac may carry along
 
-/** Start of the name of a folder that an install unpacks to; the maker's process number follows. */
+/** Start of the name of a folder that an install unpacks to, or of its "User" on the way; the maker's process
+    number follows. */
 static constexpr auto kStagingPrefix = ".installing-";
 
 juce::File defaultPresetFolder()
@@ -100,8 +101,9 @@ static bool unpackAll (juce::ZipFile& zip, const juce::File& staging)
     return user.isDirectory();
 }
 
-/** Moves what was unpacked into place, "User" at the end and as a whole. */
-static void moveIntoPlace (const juce::File& staging, const juce::File& presetFolder)
+/** Moves what was unpacked into place, but for "User", which goes to a folder beside staging; whether all went. */
+static bool moveAllButUser (const juce::File& staging, const juce::File& presetFolder,
+                            const juce::File& freshUser)
 {
     const auto user = staging.getChildFile (kUserFolder);
 
@@ -113,11 +115,10 @@ static void moveIntoPlace (const juce::File& staging, const juce::File& presetFo
         const auto target = presetFolder.getChildFile (file.getRelativePathFrom (staging));
 
         if (! target.getParentDirectory().createDirectory() || ! moveOver (file, target))
-            return;
+            return false;
     }
 
-    // Where another process was first, its folder isn't empty and this fails: both hold the same.
-    moveOver (user, presetFolder.getChildFile (kUserFolder));
+    return moveOver (user, freshUser);
 }
 
 // -------------------------------------------------------------------------------------------------------
@@ -128,19 +129,27 @@ void installFirstRunContent (const juce::File& presetFolder, const void* archive
     if (presetFolder.getChildFile (kUserFolder).exists())
         return;
 
+    // Once "User" is there, no start looks for what another left behind. So its move into place is the last step
+    // of all, after the cleaning: killed at any moment, this process leaves either no "User", and then the next
+    // start removes the rest, or nothing else. Only what a second process that was at it at the same time leaves
+    // when it is killed stays for good: one folder of some hundred kilobytes, which is hidden.
     presetFolder.createDirectory();
     removeAbandonedStaging (presetFolder);
+    presetFolder.getChildFile (kResourceForks).deleteRecursively();
 
     juce::MemoryInputStream stream (archive, numBytes, false);
     juce::ZipFile zip (stream);
     const auto staging =
         presetFolder.getChildFile (kStagingPrefix + processWord() + "-" + uniqueWord());
 
-    if (unpackAll (zip, staging))
-        moveIntoPlace (staging, presetFolder);
-
+    const auto freshUser = staging.getSiblingFile (staging.getFileName() + "-" + kUserFolder);
+    const bool isComplete =
+        unpackAll (zip, staging) && moveAllButUser (staging, presetFolder, freshUser);
     staging.deleteRecursively();
-    presetFolder.getChildFile (kResourceForks).deleteRecursively();
+
+    // Where another process was first, its folder isn't empty and the move fails: both hold the same.
+    if (! isComplete || ! moveOver (freshUser, presetFolder.getChildFile (kUserFolder)))
+        freshUser.deleteRecursively();
 }
 
 std::unique_ptr<juce::XmlElement> readDefaultPreset (const juce::File& presetFolder)

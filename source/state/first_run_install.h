@@ -5,7 +5,8 @@
 
 #include <memory>
 
-/** The folder that holds factory and user presets: "Music/Zubrow Labs/Velkor/Presets" in the user's home. */
+/** The folder that holds factory and user presets: "Music/Zubrow Labs/Velkor/Presets" in the user's home, there
+    or not. Any thread. */
 juce::File defaultPresetFolder();
 
 /** Unpacks the archive of presets into the folder unless that has a "User", be it folder or file: nothing

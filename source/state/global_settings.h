@@ -15,7 +15,7 @@ struct GlobalSettings
     bool glowRenderer = true;     ///< kept for other products of the frame
 };
 
-/** The settings file beside a preset folder. */
+/** The settings file beside a preset folder, there or not. Any thread. */
 juce::File globalSettingsFile (const juce::File& presetFolder);
 
 /** Reads the settings, or writes the given ones if there is no file. A file that cannot be parsed changes

@@ -19,6 +19,10 @@ static constexpr auto kPluginName = "pluginName";
 static constexpr auto kFileCount = "fileCount";
 static constexpr int kPresentVersion = 2;
 
+/** Of the file of names, which has four names for each preset and some hundred bytes: it must not count as none
+    with a large collection. This is room for 130,000 presets. */
+static constexpr DocumentLimits kCacheLimits { 32u << 20, 1 << 19 };
+
 juce::File nameCacheFile (const juce::File& presetFolder)
 {
     return presetFolder.getChildFile (kCacheFile);
@@ -27,7 +31,7 @@ juce::File nameCacheFile (const juce::File& presetFolder)
 PresetNames readNameCache (const juce::File& presetFolder)
 {
     PresetNames names;
-    const auto cache = parseDocument (nameCacheFile (presetFolder));
+    const auto cache = parseDocument (nameCacheFile (presetFolder), kCacheLimits);
 
     if (cache == nullptr || ! hasTag (*cache, kCacheTag))
         return names;
@@ -41,7 +45,7 @@ PresetNames readNameCache (const juce::File& presetFolder)
 
 bool readCurrentNameCache (const juce::File& presetFolder, KnownPresets& known)
 {
-    const auto cache = parseDocument (nameCacheFile (presetFolder));
+    const auto cache = parseDocument (nameCacheFile (presetFolder), kCacheLimits);
 
     if (cache == nullptr || ! hasTag (*cache, kCacheTag) ||
         cache->getIntAttribute (kVersion) != kPresentVersion ||

@@ -17,7 +17,7 @@ struct IgnoringCase
 /** Display names of presets by path, relative to the preset folder with "/" between. */
 using PresetNames = std::map<juce::String, juce::String, IgnoringCase>;
 
-/** The file of names that the browser keeps in a preset folder. */
+/** The file of names that the browser keeps in a preset folder, there or not. Any thread. */
 juce::File nameCacheFile (const juce::File& presetFolder);
 
 /** Reads the file of names in a preset folder, whatever its version; empty if there is none that can be

@@ -4,8 +4,13 @@
 #include "state/document_guard.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
 #include <map>
 #include <string_view>
+#include <system_error>
 
 // The framework's names for a stored parameter; stored: never edit.
 static const juce::Identifier kParamType ("PARAM");
@@ -14,70 +19,56 @@ static const juce::Identifier kParamValue ("value");
 
 // --- numbers -------------------------------------------------------------------------------------------
 
-static bool isDigit (char c) noexcept
+/** What a decimal text whose number no double can hold comes to, without its sign: infinity or zero. A zero byte
+    has to follow the text. */
+static double magnitudeOf (std::string_view text) noexcept
 {
-    return c >= '0' && c <= '9';
-}
+    const auto mantissa = text.substr (0, text.find_first_of ("eE"));
+    const auto point = std::min (mantissa.find ('.'), mantissa.size());
+    const auto first = mantissa.find_first_of ("123456789");
 
-/** Takes the digits that text begins with off it; their count. */
-static std::size_t takeDigits (std::string_view& text) noexcept
-{
-    const auto end = std::find_if_not (text.begin(), text.end(), isDigit);
-    const auto count = static_cast<std::size_t> (end - text.begin());
-    text.remove_prefix (count);
-    return count;
-}
-
-/** Takes a sign off the front of text, if there is one. */
-static void takeSign (std::string_view& text) noexcept
-{
-    if (text.starts_with ('+') || text.starts_with ('-'))
-        text.remove_prefix (1);
-}
-
-static bool isDecimal (std::string_view text) noexcept
-{
-    // Beyond this the framework's conversion overflows its own count of the exponent.
-    constexpr std::size_t kMaxExponentDigits = 6;
-    takeSign (text);
-    std::size_t digits = takeDigits (text);
-
-    if (text.starts_with ('.'))
-    {
-        text.remove_prefix (1);
-        digits += takeDigits (text);
-    }
-
-    if (digits == 0)
-        return false;
-
-    if (text.starts_with ('e') || text.starts_with ('E'))
-    {
-        text.remove_prefix (1);
-        takeSign (text);
-        const std::size_t exponentDigits = takeDigits (text);
-
-        if (exponentDigits == 0 || exponentDigits > kMaxExponentDigits)
-            return false;
-    }
-
-    return text.empty();
+    // strtoll stays at its limits where an exponent goes on for ever.
+    const auto exponent = mantissa.size() == text.size()
+                              ? 0
+                              : std::strtoll (text.data() + mantissa.size() + 1, nullptr, 10);
+    const auto power =
+        static_cast<double> (exponent) + static_cast<double> (point) - static_cast<double> (first);
+    return power > 0.0 ? std::numeric_limits<double>::infinity() : 0.0;
 }
 
 std::optional<double> readValueText (const juce::String& text)
 {
-    constexpr std::size_t kMaxLength = 128;
+    const auto trimmed = text.trim();
+    std::string_view digits (trimmed.toRawUTF8());
 
-    if (text.getNumBytesAsUTF8() > kMaxLength)
+    if (digits.starts_with ('+') && ! digits.starts_with ("+-"))
+        digits.remove_prefix (1);
+
+    double number = 0.0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, fault] = std::from_chars (digits.data(), end, number);
+
+    if (fault == std::errc::invalid_argument || stop != end || std::isnan (number))
         return std::nullopt;
 
-    const auto number = text.trim();
-    const bool isInfinity = number.trimCharactersAtStart ("+-").equalsIgnoreCase ("inf");
+    if (fault == std::errc::result_out_of_range)
+        return std::copysign (magnitudeOf (digits), digits.starts_with ('-') ? -1.0 : 1.0);
 
-    if (isInfinity || isDecimal (number.toRawUTF8()))
-        return number.getDoubleValue();
+    return number;
+}
 
-    return std::nullopt;
+/** Whether the framework, which reads values for itself, finds the same number in a text. It stops at some number
+    of digits behind the point, be they zeros, and miscounts where digits go on and on. */
+static bool readsAlike (const juce::String& text, double number)
+{
+    constexpr std::size_t kMaxBytes = 128;
+    constexpr int kMaxExponent = 10;  // characters: more overflow its count
+    const int exponentAt = text.indexOfAnyOf ("eE");
+
+    return text.getNumBytesAsUTF8() <= kMaxBytes &&
+           (exponentAt < 0 || text.length() - exponentAt <= kMaxExponent) &&
+           juce::exactlyEqual (static_cast<float> (text.getDoubleValue()),
+                               static_cast<float> (number));
 }
 
 // --- the tree ------------------------------------------------------------------------------------------
@@ -96,29 +87,83 @@ static ParametersById parametersOf (const juce::AudioProcessorValueTreeState& st
     return result;
 }
 
-/** Of attributes of one name the first counts, as it does for whoever asks the element. */
-static void takeAttributes (const juce::XmlElement& element, juce::ValueTree& tree)
+/** What a document may bring that the store does not know: far more than anybody has reason to, and so little
+    that a session of it stays a small part of what a document may be. */
+struct Allowance
+{
+    int names = 1024;        ///< elements and attributes
+    int characters = 65536;  ///< of those names and of values
+
+    /** Takes so much off; false, with nothing taken, if less is left. */
+    bool take (int numNames, int numCharacters) noexcept
+    {
+        if (numNames > names || numCharacters > characters)
+            return false;
+
+        names -= numNames;
+        characters -= numCharacters;
+        return true;
+    }
+};
+
+/** Attributes that an element of the store's own keeps: the store adds some to what the document gave. */
+static constexpr int kMaxOwnAttributes = kMaxElementAttributes / 2;
+
+static int lengthOf (const juce::XmlElement& element, int attribute)
+{
+    return element.getAttributeName (attribute).length() +
+           element.getAttributeValue (attribute).length();
+}
+
+/** The attributes of an element that has its place in the store's tree, as far as the allowance goes. Of equal
+    names the first counts, as it does for whoever asks the element. */
+static void takeAttributes (const juce::XmlElement& element, juce::ValueTree& tree,
+                            Allowance& allowance)
 {
     for (int i = 0; i < element.getNumAttributes(); ++i)
     {
         const juce::Identifier name (element.getAttributeName (i));
+        const bool isOwn = tree.hasType (kParamType) && (name == kParamId || name == kParamValue);
 
-        if (! tree.hasProperty (name))
+        if (! tree.hasProperty (name) && (isOwn || (tree.getNumProperties() < kMaxOwnAttributes &&
+                                                    allowance.take (1, lengthOf (element, i)))))
             tree.setProperty (name, element.getAttributeValue (i), nullptr);
     }
 }
 
-/** An element with all that it holds, but for running text, which has no place in a tree. */
-static juce::ValueTree toTree (const juce::XmlElement& element, const juce::Identifier& type)
-{
-    juce::ValueTree tree (type);
-    takeAttributes (element, tree);
+static void appendStranger (juce::ValueTree& parent, const juce::XmlElement& element,
+                            const juce::Identifier& type, Allowance& allowance);
 
+/** Appends what an element holds but for running text, which has no place in a tree. */
+static void appendChildren (juce::ValueTree& parent, const juce::XmlElement& element,
+                            Allowance& allowance)
+{
     for (const auto* child : element.getChildIterator())
         if (! child->isTextElement())
-            tree.appendChild (toTree (*child, child->getTagName()), nullptr);
+            appendStranger (parent, *child, child->getTagName(), allowance);
+}
 
-    return tree;
+/** Appends an element that the store does not know, with what it holds. What goes beyond the allowance is left
+    out; an element goes with its attributes. */
+static void appendStranger (juce::ValueTree& parent, const juce::XmlElement& element,
+                            const juce::Identifier& type, Allowance& allowance)
+{
+    int characters = element.getTagName().length();
+
+    for (int i = 0; i < element.getNumAttributes(); ++i)
+        characters += lengthOf (element, i);
+
+    if (! allowance.take (1 + element.getNumAttributes(), characters))
+        return;
+
+    juce::ValueTree tree (type);
+
+    for (int i = 0; i < element.getNumAttributes(); ++i)
+        if (const juce::Identifier name (element.getAttributeName (i)); ! tree.hasProperty (name))
+            tree.setProperty (name, element.getAttributeValue (i), nullptr);
+
+    appendChildren (tree, element, allowance);
+    parent.appendChild (tree, nullptr);
 }
 
 /** The children of a store's tree that stand for its parameters, by id. */
@@ -162,6 +207,9 @@ static std::optional<juce::var> legalValue (const juce::String& fromDocument,
     if (*number > static_cast<double> (range.end))
         return range.end;
 
+    if (! readsAlike (fromDocument, *number))
+        return *number;
+
     return fromDocument;
 }
 
@@ -187,7 +235,8 @@ juce::ValueTree completeParameters (const juce::XmlElement& parameters,
     const auto presentTree = store.copyState();
     const auto present = paramsById (presentTree);
     juce::ValueTree complete (presentTree.getType());
-    takeAttributes (parameters, complete);
+    Allowance allowance;
+    takeAttributes (parameters, complete, allowance);
 
     for (const auto* element : parameters.getChildIterator())
     {
@@ -199,14 +248,16 @@ juce::ValueTree completeParameters (const juce::XmlElement& parameters,
         if (named == known.end())
         {
             const bool isParam = hasTag (*element, kParamType);
-            complete.appendChild (
-                toTree (*element, isParam ? kParamType : juce::Identifier (element->getTagName())),
-                nullptr);
+            appendStranger (complete, *element,
+                            isParam ? kParamType : juce::Identifier (element->getTagName()),
+                            allowance);
         }
         else if (const auto counts = last.find (named->first);
                  counts != last.end() && counts->second == element)
         {
-            auto param = toTree (*element, kParamType);
+            juce::ValueTree param (kParamType);
+            takeAttributes (*element, param, allowance);
+            appendChildren (param, *element, allowance);
             const auto value = legalValue (param[kParamValue].toString(), *named->second);
             param.setProperty (kParamValue, value ? *value : presentValue (present, *named->second),
                                nullptr);

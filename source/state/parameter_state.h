@@ -5,18 +5,19 @@
 
 #include <optional>
 
-/** The number that a value text says, as far as it is one: decimal digits with at most one point, an
-    exponent of up to six digits, or "inf"; blanks around it don't count. May be infinite, never NaN. Empty
-    for anything else, and for more than a hundred and some characters. Any thread. */
+/** The number that a value text says if it is one: decimal digits with at most one point and perhaps an
+    exponent, or "inf"; blanks around it don't count. May be infinite, as what is too large is, never NaN.
+    Empty for anything else. Any thread. */
 std::optional<double> readValueText (const juce::String& text);
 
 /** The tree that a store may be given for a document's element of parameters. It has the store's type and
     exact names, and exactly one child for each parameter of the store, with a legal value: of equal ids the
     last counts, a number outside the range ends at the range's end, and what is no number or is missing is
     the present value. Parameters that the document does not name stand at the end, in the store's own
-    order. What the store does not know is kept as it is, but for elements of another name that bear a
-    parameter's id: the store takes whatever bears one. Takes the store's lock. Any thread but the audio
-    thread. */
+    order. A value keeps its text, unless the store would read another number out of it. What the store does
+    not know is kept as it is, as far as it is little: it is saved again, and what is saved has to stay below
+    the limits of document_guard.h. But for elements of another name that bear a parameter's id: the store
+    takes whatever bears one. Takes the store's lock. Any thread but the audio thread. */
 juce::ValueTree completeParameters (const juce::XmlElement& parameters,
                                     juce::AudioProcessorValueTreeState& store);
 

@@ -6,6 +6,7 @@
 #include "state/parameter_state.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <limits>
 #include <utility>

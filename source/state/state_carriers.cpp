@@ -27,7 +27,7 @@ void setStateFromText (zb_AudioProcessor& processor, const juce::String& text)
 
 bool saveStateToFile (zb_AudioProcessor& processor, const juce::File& file)
 {
-    processor.presetName = file.getFileNameWithoutExtension();
+    processor.setPresetName (file.getFileNameWithoutExtension());
 
     if (! replaceWithDocument (file, documentOf (processor), Durable::yes))
         return false;
@@ -42,7 +42,7 @@ void setStateFromFile (zb_AudioProcessor& processor, const juce::File& file)
     if (const auto document = parseDocument (file))
         processor.loadStateFromXML (document.get());
     else
-        processor.presetName = "Error Loading Preset";
+        processor.setPresetName ("Error Loading Preset");
 }
 
 std::unique_ptr<juce::XmlElement> readChunk (const void* data, int sizeInBytes)

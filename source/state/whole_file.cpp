@@ -1,8 +1,17 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "state/whole_file.h"
 
+#include <atomic>
+#include <exception>
+#include <filesystem>
 #include <random>
 #include <system_error>
+
+#if JUCE_WINDOWS
+#include <process.h>
+#else
+#include <unistd.h>
+#endif
 
 std::filesystem::path filesystemPath (const juce::File& file)
 {
@@ -75,9 +84,34 @@ bool replaceWithDocument (const juce::File& target, const juce::XmlElement& docu
     return false;
 }
 
+static int processNumber()
+{
+#if JUCE_WINDOWS
+    return _getpid();
+#else
+    return static_cast<int> (getpid());
+#endif
+}
+
+/** A word of this process, the moment and the threads that came before. */
+static juce::String countedWord()
+{
+    static std::atomic<int> count { 0 };
+    return juce::String::toHexString (processNumber()) + "-" +
+           juce::String::toHexString (juce::Time::getHighResolutionTicks()) + "-" +
+           juce::String::toHexString (++count);
+}
+
 juce::String uniqueWord()
 {
-    std::random_device source;  // the system's: it goes on in a forked process as in no other
-    return juce::String::toHexString (static_cast<juce::int64> (source()) << 32 |
-                                      static_cast<juce::int64> (source()));
+    try
+    {
+        std::random_device source;  // the system's: it goes on in a forked process as in no other
+        return juce::String::toHexString (static_cast<juce::int64> (source()) << 32 |
+                                          static_cast<juce::int64> (source()));
+    }
+    catch (const std::exception&)
+    {
+        return countedWord();  // no device, as in a bare jail, or too many open files
+    }
 }

@@ -37,5 +37,5 @@ bool moveOver (const juce::File& source, const juce::File& target);
 bool replaceWithDocument (const juce::File& target, const juce::XmlElement& document,
                           Durable durable);
 
-/** A word that no other process nor thread makes, for the names of files that are to be renamed. */
+/** A word that no other process nor thread makes, for the names of files that are to be renamed. Any thread. */
 juce::String uniqueWord();

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
+#include "state/document_guard.h"
+#include "state/state_carriers.h"
 #include "state_fixture.h"
 
 #include <cmath>
@@ -75,6 +77,51 @@ TEST_F (Chunk, TakesTheEditorsSizeOutOfAnyChunkThatParses)
     EXPECT_EQ (bytesOf (globals()), filed);
 }
 
+TEST_F (Chunk, OfAnyDocumentThatLoadsIsTakenByAnotherInstance)
+{
+    const auto times = [] (const char* text, int n)
+    { return juce::String::repeatedString (juce::String::fromUTF8 (text), n); };
+    juce::String attributes;
+
+    for (int i = 0; i < kMaxElementAttributes - 1; ++i)
+        attributes << " a" << i << "=\"\"";
+
+    const auto withParams = [] (const juce::String& params)
+    { return documentWith ("<Parameters>" + params + "</Parameters>", "Loaded"); };
+
+    const juce::String kDocuments[] = {
+        documentWith ("<Parameters/>", times ("\xc3\xbc", 8000)),
+        documentWith ("<Parameters/>", times ("&#x10ffff;", kMaxAttributeCharacters)),
+        documentWith ("<Parameters/>", times ("&quot;", 3000)),
+        withParams (times ("<x/>", 65500)),
+        withParams (times ("<x a=\"1\"><y/>", 60) + times ("</x>", 60) + times ("<x/>", 65000)),
+        withParams (times (("<" + times ("n", 4000) + ">").toRawUTF8(), 50) +
+                    times (("</" + times ("n", 4000) + ">").toRawUTF8(), 50)),
+        withParams (times (("<x b=\"" + times ("\xc3\xbc", 8000) + "\"/>").toRawUTF8(), 200)),
+        withParams ("<PARAM id=\"Kill\" value=\"1\" b=\"" + times ("\xc3\xbc", 8000) + "\"/>"),
+        withParams ("<PARAM id=\"Kill\"" + attributes + "/>"),
+        "<VelkorSettings PresetName=\"Loaded\"><Parameters b=\"" +
+            times ("\xf0\x9f\x8e\xb5", kMaxAttributeCharacters) + "\"" + attributes +
+            "/></VelkorSettings>",
+    };
+
+    for (const auto& document : kDocuments)
+    {
+        SCOPED_TRACE (document.substring (0, 100));
+        processor.presetName = "unloaded";
+        setStateFromText (processor, document);
+        ASSERT_NE (processor.presetName, "unloaded");
+        juce::MemoryBlock chunk;
+        processor.getStateInformation (chunk);
+        EXPECT_LT (chunk.getSize(), kMaxDocumentBytes / 4);
+
+        VelkorAudioProcessor other;
+        other.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
+        EXPECT_EQ (other.presetName, processor.presetName);
+        EXPECT_EQ (textOf (other), textOf (processor));
+    }
+}
+
 TEST_F (Chunk, RestoresWhatItSavedInTheSameAndInANewInstance)
 {
     for (std::uint32_t seed = 10; seed < 30; ++seed)
@@ -96,7 +143,8 @@ TEST_F (Chunk, RestoresWhatItSavedInTheSameAndInANewInstance)
             EXPECT_NEAR (valueOf (other, info.name), value, std::abs (value) * 2e-6f) << info.name;
         }
 
-        EXPECT_EQ (routeList (other).size(), routeList (processor).size());
+        EXPECT_EQ (sorted (connectionList (other)), sorted (connectionList (processor)));
+        EXPECT_EQ (sorted (routeList (other)), sorted (routeList (processor)));
         EXPECT_EQ (other.presetName, processor.presetName);
 
         // From then on nothing creeps, however often a session is opened.

@@ -2,9 +2,7 @@
 #include "state/document_guard.h"
 #include "state_fixture.h"
 
-#include <chrono>
 #include <sys/stat.h>
-#include <thread>
 
 class DocumentGuard : public StateTest
 {
@@ -92,11 +90,33 @@ TEST_F (DocumentGuard, LimitsSizeAndCounts)
 
     EXPECT_NE (parseDocument (attributes (kMaxElementAttributes)), nullptr);
     EXPECT_EQ (parseDocument (attributes (kMaxElementAttributes + 1)), nullptr);
-    EXPECT_EQ (parseDocument ("<a b=\"" + juce::String::repeatedString ("x", 20000) + "\"/>"),
+
+    // However a character is spelled, it is one; an escape that nobody knows is its name.
+    for (const char* const one :
+         { "x", "\xc3\xbc", "&#252;", "&#x10ffff;", "&QUOT;", "&lt;", "&x;" })
+    {
+        const auto value = [one] (int n)
+        { return juce::String::repeatedString (juce::String::fromUTF8 (one), n); };
+        EXPECT_NE (parseDocument ("<a b=\"" + value (kMaxAttributeCharacters) + "\"/>"), nullptr)
+            << one;
+        EXPECT_EQ (parseDocument ("<a b=\"" + value (kMaxAttributeCharacters + 1) + "\"/>"),
+                   nullptr)
+            << one;
+    }
+
+    EXPECT_EQ (parseDocument (
+                   "<a b=\"" +
+                   juce::String::repeatedString ("&ab;", kMaxAttributeCharacters / 2 + 1) + "\"/>"),
                nullptr);
     EXPECT_EQ (
         parseDocument ("<a>" + juce::String::repeatedString ("<b/>", kMaxDocumentNames) + "</a>"),
         nullptr);
+
+    // Limits of a file's own, for elements and for bytes.
+    putFile (homeFile ("own.xml"), "<a><b c=\"\"/></a>");
+    EXPECT_NE (parseDocument (homeFile ("own.xml"), { 16, 3 }), nullptr);
+    EXPECT_EQ (parseDocument (homeFile ("own.xml"), { 16, 2 }), nullptr);
+    EXPECT_EQ (parseDocument (homeFile ("own.xml"), { 15, 3 }), nullptr);
 }
 
 TEST_F (DocumentGuard, RefusesWhatTheParserWouldReadBeyondOrNeverFinish)

@@ -68,17 +68,23 @@ TEST_F (InterruptedFirstRun, OnAFullDiskLeavesNoUserAndTheNextOneTriesAgain)
 TEST_F (InterruptedFirstRun, KilledAtAnyMomentLeavesWholeFilesAndTheNextOneCompletesIt)
 {
     const auto archive = archiveFile().getFullPathName().toStdString();
-    int killed = 0, unfinished = 0;
+    int killed = 0, unfinished = 0, finished = 0;
 
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ (await (startProcess ({ archive })), 0);
     const auto whole = std::chrono::steady_clock::now() - start;
 
-    for (int round = 0; round < 60; ++round)
+    // First all through it, then again and again about the moment at which "User" appears.
+    constexpr int kSteps = 30;
+    auto moment = std::chrono::steady_clock::duration::zero();
+
+    for (int round = 0; round < 80; ++round)
     {
+        const bool goesBack = round >= kSteps && presets ("User").exists();
+        moment += goesBack ? -whole / kSteps : whole / kSteps;
         homeFile ("Music").deleteRecursively();
         const auto process = startProcess ({ archive });
-        std::this_thread::sleep_for (whole * round / 60);
+        std::this_thread::sleep_for (moment);
         kill (process, SIGKILL);
         killed += await (process) == -1 ? 1 : 0;
 
@@ -88,7 +94,9 @@ TEST_F (InterruptedFirstRun, KilledAtAnyMomentLeavesWholeFilesAndTheNextOneCompl
 
         if (presets ("User").exists())
         {
+            ++finished;
             expectComplete();
+            expectNothingBeside();
             continue;
         }
 
@@ -96,10 +104,13 @@ TEST_F (InterruptedFirstRun, KilledAtAnyMomentLeavesWholeFilesAndTheNextOneCompl
         install (makeArchive());
         expectComplete();
         expectNothingBeside();
+        ASSERT_TRUE (
+            presets ("User").deleteRecursively());  // tells the next round that this one was early
     }
 
     EXPECT_GT (killed, 0);
     EXPECT_GT (unfinished, 0);
+    EXPECT_GT (finished, 0);
 }
 
 TEST_F (InterruptedFirstRun, OfSeveralProcessesAtOnceLeavesCompleteContent)

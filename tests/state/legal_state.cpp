@@ -96,9 +96,25 @@ static std::string faultOfReturn (VelkorAudioProcessor& processor)
 {
     juce::MemoryBlock saved, again;
     processor.getStateInformation (saved);
-    processor.setStateInformation (saved.getData(), static_cast<int> (saved.getSize()));
+    const auto restore = [&]
+    { processor.setStateInformation (saved.getData(), static_cast<int> (saved.getSize())); };
+
+    // Something is changed each time: else a restore that does nothing would pass.
+    processor.setPresetName (processor.presetName + "?");
+    processor.setSignalConnection (0, 0, ! processor.getSignalConnection (0, 0));
+    processor.setModConnection (0, 0, ! processor.getModConnection (0, 0));
+    restore();
     processor.getStateInformation (again);
-    return saved == again ? std::string() : "state does not come back";
+
+    if (saved != again)
+        return "state does not come back";
+
+    // On its own, since a text such as "0.0001" for a switch gives way to the number once the switch moves.
+    auto* const kill = processor.parameterTree.getParameter ("Kill");
+    const bool wasOn = kill->getValue() >= 0.5f;
+    kill->setValueNotifyingHost (wasOn ? 0.0f : 1.0f);
+    restore();
+    return (kill->getValue() >= 0.5f) == wasOn ? std::string() : "a parameter does not come back";
 }
 
 std::string faultOf (VelkorAudioProcessor& processor)

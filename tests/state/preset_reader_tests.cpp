@@ -128,9 +128,8 @@ TEST_F (PresetReader, KeepsAParameterThatTheDocumentLacksAndAppendsTheMissingOne
 
 TEST_F (PresetReader, LetsNoIllegalNumberIntoTheStoreNorKeepsItsText)
 {
-    for (const char* const text :
-         { "nan", "NaN", "-nan", "abc", "", "12abc", "1,5", "0x10", "--5", "1e", "e5", ".",
-           "infinit", "1 2", "1e9999999", "5e-99999999999", "&#x661;" })
+    for (const char* const text : { "nan", "NaN", "-nan", "abc", "", "12abc", "1,5", "0x10", "--5",
+                                    "1e", "e5", ".", "infinit", "1 2", "+-5", "+nan", "&#x661;" })
     {
         processor.parameterTree.getParameter ("Delay 1 Time")->setValueNotifyingHost (0.25f);
         load (documentWithParams ("<PARAM id=\"Delay 1 Time\" value=\"" + juce::String (text) +
@@ -147,7 +146,9 @@ TEST_F (PresetReader, LetsNoIllegalNumberIntoTheStoreNorKeepsItsText)
     for (const auto& [text, wanted] :
          { End { "inf", "1000.0" }, End { "-INF", "2.0" }, End { "+inf", "1000.0" },
            End { "1e999", "1000.0" }, End { "-1e999", "2.0" }, End { "1000.1", "1000.0" },
-           End { "1.999", "2.0" }, End { "0", "2.0" }, End { "5e5", "1000.0" } })
+           End { "1.999", "2.0" }, End { "0", "2.0" }, End { "5e5", "1000.0" },
+           End { "1e9999999", "1000.0" }, End { "-1e99999999999999999999", "2.0" },
+           End { "5e-99999999999999999999", "2.0" }, End { "-5e-999", "2.0" } })
     {
         // From both ends: a store that stands where the text leads doesn't hear of it.
         for (const float start : { 0.0f, 0.5f, 1.0f })
@@ -170,6 +171,32 @@ TEST_F (PresetReader, LetsNoIllegalNumberIntoTheStoreNorKeepsItsText)
         EXPECT_NEAR (valueOf (processor, "Delay 1 Time"), juce::String (wanted).getFloatValue(),
                      1e-4f)
             << text;
+    }
+}
+
+TEST_F (PresetReader, TakesNumbersOfAnyLengthAndKeepsNoTextThatTheStoreWouldMisread)
+{
+    const juce::String zeros = juce::String::repeatedString ("0", 130);
+    const juce::String hundreds = juce::String::repeatedString ("0", 400);
+
+    const std::pair<juce::String, juce::String> kTexts[] = {
+        { "400." + zeros, "400.0" },
+        { zeros + "400", "400.0" },
+        { "1e0000002", "1e0000002" },
+        { "1e000000000000002", "100.0" },
+        { "1" + hundreds + "e-398", "100.0" },
+        { "0." + hundreds + "1e403", "100.0" },
+        { "0." + hundreds + "1", "2.0" },     // below the smallest of all doubles
+        { "1" + hundreds + ".5", "1000.0" },  // above the largest
+        { "0.000000000000000000000004e26", "400.0" },
+    };
+
+    for (const auto& [text, wanted] : kTexts)
+    {
+        processor.parameterTree.getParameter ("Delay 1 Time")->setValueNotifyingHost (0.3f);
+        load (documentWithParams ("<PARAM id=\"Delay 1 Time\" value=\"" + text + "\"/>"));
+        EXPECT_EQ (valueTextIn (textOf (processor), "Delay 1 Time"), wanted) << text;
+        EXPECT_EQ (valueOf (processor, "Delay 1 Time"), wanted.getFloatValue()) << text;
     }
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
+#include "state/name_cache.h"
 #include "state/state_carriers.h"
 #include "state_fixture.h"
 
@@ -18,6 +19,8 @@ protected:
         putFile (folder.getChildFile ("C/empty.zbpreset"),
                  "<VelkorSettings PresetName=\"\"><Parameters/></VelkorSettings>");
         putFile (folder.getChildFile ("C/broken.zbpreset"), "<VelkorSettings");
+        putFile (folder.getChildFile ("D/bare.zbpreset"),
+                 "<VelkorSettings PresetName=\"Bare\"><SignalMatrix/></VelkorSettings>");
         putFile (folder.getChildFile ("C/.hidden.zbpreset"), "<VelkorSettings/>");
         putFile (folder.getChildFile ("C/other.txt"), "<VelkorSettings/>");
         processor.programFolder = folder;
@@ -57,12 +60,12 @@ TEST_F (ProgramList, OfThisProductIsOneProgramNamedAfterThePreset)
 TEST_F (ProgramList, TurnedOnFindsTheNamesInFilesOfAllDialects)
 {
     turnOn();
-    EXPECT_EQ (names(), juce::StringArray ({ "One", "Inner", "Two", "broken", "empty" }));
+    EXPECT_EQ (names(), juce::StringArray ({ "One", "Inner", "Two", "broken", "empty", "Bare" }));
 
     // A name is looked up once.
     putFile (folder.getChildFile ("B/two.zbpreset"), "<VelkorSettings PresetName=\"Later\"/>");
     EXPECT_EQ (processor.getProgramName (2), "Two");
-    EXPECT_EQ (processor.getProgramName (5), processor.presetName);
+    EXPECT_EQ (processor.getProgramName (6), processor.presetName);
 }
 
 TEST_F (ProgramList, TakesNamesFromTheCacheOfAnyVersionAndCase)
@@ -72,12 +75,29 @@ TEST_F (ProgramList, TakesNamesFromTheCacheOfAnyVersionAndCase)
              "name=\"Cached\"/><Preset path=\"A/one.zbpreset\" name=\"\"/>"
              "<Else path=\"A/state.zbpreset\" name=\"wrong\"/></presetcache>");
     turnOn();
-    EXPECT_EQ (names(), juce::StringArray ({ "One", "Inner", "Cached", "broken", "empty" }));
+    EXPECT_EQ (names(),
+               juce::StringArray ({ "One", "Inner", "Cached", "broken", "empty", "Bare" }));
 
     putFile (homeFile ("programs/preset_info.xml"),
              "<Other><Preset path=\"B/two.zbpreset\" name=\"Cached\"/></Other>");
     processor.refreshProgramList();
     EXPECT_EQ (processor.getProgramName (2), "Two");
+}
+
+TEST_F (ProgramList, ReadsTheNamesOfALargeCollection)
+{
+    KnownPresets known;
+
+    for (int i = 0; i < 50000; ++i)
+        known["Collections/Somebody's/Preset number " + juce::String (i) + ".zbpreset"] = {
+            "Preset number " + juce::String (i), 2
+        };
+
+    ASSERT_TRUE (writeNameCache (presets(), "Velkor", known));
+    const auto names = readNameCache (presets());
+    ASSERT_EQ (names.size(), known.size());
+    EXPECT_EQ (names.at ("Collections/Somebody's/Preset number 44444.zbpreset"),
+               "Preset number 44444");
 }
 
 TEST_F (ProgramList, LoadsAProgramOfOursAndNoOther)
@@ -91,7 +111,7 @@ TEST_F (ProgramList, LoadsAProgramOfOursAndNoOther)
     EXPECT_EQ (processor.getCurrentProgram(), 2);
     EXPECT_EQ (host.changes, 2);  // once for the document and once for the program
 
-    for (const int index : { 0, 3, -1, 99 })
+    for (const int index : { 0, 3, 5, -1, 99 })  // of another product, broken, without parameters
         processor.setCurrentProgram (index);
 
     EXPECT_EQ (processor.presetName, "Two");
@@ -101,6 +121,7 @@ TEST_F (ProgramList, LoadsAProgramOfOursAndNoOther)
     // A shorter list limits what the host is told and not what is kept.
     ASSERT_TRUE (folder.getChildFile ("C").deleteRecursively());
     ASSERT_TRUE (folder.getChildFile ("A").deleteRecursively());
+    ASSERT_TRUE (folder.getChildFile ("D").deleteRecursively());
     processor.refreshProgramList();
     EXPECT_EQ (processor.getNumPrograms(), 1);
     EXPECT_EQ (processor.getCurrentProgram(), 0);

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "state_fixture.h"
 
+#include "state/first_run_install.h"
 #include "state/state_carriers.h"
 #include "support/duel.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -18,6 +20,19 @@ std::string bytesOf (const juce::File& file)
 std::string keptDocument (const std::string& name)
 {
     return bytesOf (juce::File (VELKOR_TEST_DATA).getChildFile ("state/kept").getChildFile (name));
+}
+
+juce::StringArray factoryDocuments()
+{
+    auto files = defaultPresetFolder().getChildFile ("Factory").findChildFiles (
+        juce::File::findFiles, false, "*.zbpreset");
+    files.sort();
+    juce::StringArray texts;
+
+    for (const auto& file : files)
+        texts.add (file.loadFileAsString());
+
+    return texts;
 }
 
 void putFile (const juce::File& file, std::string_view bytes)
@@ -90,6 +105,12 @@ std::vector<std::string> routeList (const VelkorAudioProcessor& processor)
     for (const auto* route : processor.engine->modulation.router.routes)
         list.push_back (arrow (route->source, route->dest));
 
+    return list;
+}
+
+std::vector<std::string> sorted (std::vector<std::string> list)
+{
+    std::sort (list.begin(), list.end());
     return list;
 }
 

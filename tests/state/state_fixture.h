@@ -20,6 +20,9 @@ void putFile (const juce::File& file, std::string_view bytes);
 /** A document that is kept beside the tests, as bytes. */
 std::string keptDocument (const std::string& name);
 
+/** The texts of the factory presets that an instance has unpacked into this home, in the order of the bank. */
+juce::StringArray factoryDocuments();
+
 /** A document with this inside of its root. */
 juce::String documentWith (const juce::String& children, const juce::String& name = "Test");
 
@@ -40,6 +43,9 @@ std::vector<std::string> connectionList (const VelkorAudioProcessor& processor);
 
 /** All modulation routes as "source>dest", the order that of the list that the tick walks. */
 std::vector<std::string> routeList (const VelkorAudioProcessor& processor);
+
+/** A list in an order of its own, to be compared where its own order doesn't count. */
+std::vector<std::string> sorted (std::vector<std::string> list);
 
 /** The present document as file text. */
 juce::String textOf (VelkorAudioProcessor& processor);

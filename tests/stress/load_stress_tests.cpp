@@ -42,14 +42,22 @@ TEST_F (LoadStress, LoadingAndSavingInALoopBesideAudioLeavesTheLastDocument)
             }
         });
 
-    const juce::String documents[] = { juce::String (keptDocument ("six_decimals.zbpreset")),
-                                       juce::String (keptDocument ("mixed_forms.zbpreset")),
-                                       juce::String (keptDocument ("default_saved.zbpreset")) };
+    // Hosts ask for the name on any thread.
+    std::atomic<int> namesHeard { 0 };
+    std::thread host (
+        [&]
+        {
+            while (! stop)
+                namesHeard += processor.getProgramName (0).isNotEmpty() ? 1 : 0;
+        });
+
+    const auto documents = factoryDocuments();
+    ASSERT_EQ (documents.size(), 64);
     juce::MemoryBlock chunk;
 
-    for (int i = 0; i < 1500 || blocks < 200 || i % 3 != 0; ++i)
+    for (int i = 0; i < 20 * 64 || blocks < 200; ++i)
     {
-        setStateFromText (processor, documents[i % 3]);
+        setStateFromText (processor, documents[i % 64]);
 
         if (i % 7 == 0)
         {
@@ -58,9 +66,12 @@ TEST_F (LoadStress, LoadingAndSavingInALoopBesideAudioLeavesTheLastDocument)
         }
     }
 
+    setStateFromText (processor, juce::String (keptDocument ("default_saved.zbpreset")));
     stop = true;
     audio.join();
+    host.join();
     EXPECT_TRUE (allFinite);
+    EXPECT_GT (namesHeard, 0);
     EXPECT_EQ (processor.presetName, "Default");
     EXPECT_EQ (connectionList (processor).size(), 4u);
     EXPECT_TRUE (routeList (processor).empty());
