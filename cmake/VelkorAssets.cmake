@@ -26,7 +26,8 @@ add_custom_command(OUTPUT "${VELKOR_PRESET_ARCHIVE}"
 file(GLOB VELKOR_ARTWORK CONFIGURE_DEPENDS
     "${CMAKE_SOURCE_DIR}/resources/images/*.png"
     "${CMAKE_SOURCE_DIR}/resources/logos/*.svg"
-    "${CMAKE_SOURCE_DIR}/resources/fonts/*.otf")
+    "${CMAKE_SOURCE_DIR}/resources/fonts/*.otf"
+    "${CMAKE_SOURCE_DIR}/resources/fonts/*.ttf")
 
 juce_add_binary_data(velkor_assets SOURCES "${VELKOR_PRESET_ARCHIVE}" ${VELKOR_ARTWORK})
 target_link_libraries(velkor_assets PRIVATE velkor_flags)

@@ -27,6 +27,7 @@ juce_add_plugin(Velkor
     IS_MIDI_EFFECT FALSE
     NEEDS_MIDI_INPUT TRUE
     NEEDS_MIDI_OUTPUT FALSE
+    EDITOR_WANTS_KEYBOARD_FOCUS TRUE    # the browser walks by arrow keys, and names are typed
     MICROPHONE_PERMISSION_ENABLED TRUE
     MICROPHONE_PERMISSION_TEXT "Velkor processes the sound of the audio input."
     VST3_CATEGORIES Fx Delay
@@ -72,6 +73,7 @@ set(PLUGIN_SOURCES
     source/state/document_guard.cpp
     source/state/document_scanner.cpp
     source/state/first_run_install.cpp
+    source/state/folder_listing.cpp
     source/state/global_settings.cpp
     source/state/name_cache.cpp
     source/state/parameter_state.cpp

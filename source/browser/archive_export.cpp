@@ -2,17 +2,18 @@
 #include "browser/archive_export.h"
 
 #include "browser/preset_listing.h"
+#include "state/folder_listing.h"
 #include "state/whole_file.h"
 
 #include <memory>
 
 static constexpr int kCompressionLevel = 9;
 
-static void addTo (juce::ZipFile::Builder& builder, const juce::File& file,
+static void addTo (juce::ZipFile::Builder& builder, const juce::File& file, bool isFolder,
                    const juce::String& path)
 {
     // The builder would read a folder as a file, and never come to its end.
-    if (file.isDirectory())
+    if (isFolder)
         builder.addEntry (new juce::MemoryInputStream (nullptr, 0, false), 0, path + "/",
                           file.getLastModificationTime());
     else if (! isRegularFile (file))
@@ -30,9 +31,9 @@ juce::File exportFolder (const juce::File& folder)
                              .getChildFile (folder.getFileName() + ".zip");
     juce::ZipFile::Builder builder;
 
-    for (const auto& file : folder.findChildFiles (juce::File::findFilesAndDirectories, true, "*",
-                                                   juce::File::FollowSymlinks::noCycles))
-        addTo (builder, file, relativePresetPath (file, folder));
+    // Not the framework's listing, which goes forty levels down a link that leads back up.
+    for (const auto& [file, isFolder] : listEntriesBelow (folder))
+        addTo (builder, file, isFolder, relativePresetPath (file, folder));
 
     // Not into the archive itself: others may have put a link of that name into a folder that all share.
     const auto fresh = archive.getSiblingFile ("." + uniqueWord() + ".tmp");
@@ -41,7 +42,7 @@ juce::File exportFolder (const juce::File& folder)
     {
         juce::FileOutputStream out (fresh);
         complete = out.openedOk() && builder.writeToStream (out, nullptr);
-        out.flush();
+        out.flush();  // a last write that comes up short shows only here
         complete = complete && out.getStatus().wasOk();
     }
 

@@ -30,17 +30,25 @@ float BrowserLook::textSize (float unit, float englishUnits, float otherUnits) c
     return unit * (english ? englishUnits : otherUnits);
 }
 
-void BrowserLook::drawButton (juce::Graphics& g, juce::Rectangle<float> bounds,
-                              const juce::String& label, bool isDown, float corner,
-                              float size) const
+void BrowserLook::drawButton (juce::Graphics& g, const juce::Button& button,
+                              const juce::String& label, float corner, float size) const
 {
+    const auto bounds = button.getBounds().toFloat();
+    const bool isDown = button.isDown();
     g.setColour (isDown ? colours.colourHighlight
                         : colours.colourAccent.withAlpha (static_cast<juce::uint8> (0x40)));
     g.fillRoundedRectangle (bounds, corner);
+
+    if (button.hasKeyboardFocus (false))
+    {
+        g.setColour (colours.colourDim);
+        g.drawRoundedRectangle (bounds.reduced (0.5f), corner, 1.0f);
+    }
+
     g.setColour (isDown ? colours.colourBackground : colours.colourText);
     g.setFont (regularFont (size));
     g.drawFittedText (label, bounds.reduced (0.3f * size, 0.0f).toNearestInt(),
-                      juce::Justification::centred, 2, 0.8f);
+                      juce::Justification::centred, 2, 1.0f);
 }
 
 void BrowserLook::drawBox (juce::Graphics& g, juce::Rectangle<float> box, float unit) const

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
-#include <juce_graphics/juce_graphics.h>
+#include <juce_gui_basics/juce_gui_basics.h>
 
 /** The browser's colours. */
 struct BrowserColours
@@ -28,9 +28,10 @@ public:
         texts. */
     float textSize (float unit, float english, float other) const;
 
-    /** Fills a button and writes its label; corner radius and text size in pixels. */
-    void drawButton (juce::Graphics& g, juce::Rectangle<float> bounds, const juce::String& label,
-                     bool isDown, float corner, float size) const;
+    /** Draws a transparent button's look into its parent, with an outline if the keyboard has it; corner
+        radius and text size in pixels. */
+    void drawButton (juce::Graphics& g, const juce::Button& button, const juce::String& label,
+                     float corner, float size) const;
 
     /** Fills and outlines the box of an overlay and dims what lies around it. */
     void drawBox (juce::Graphics& g, juce::Rectangle<float> box, float unit) const;

@@ -52,14 +52,15 @@ void zb_PresetManagerColumn::paintListBoxItem (int row, juce::Graphics& g, int w
 void zb_PresetManagerColumn::paintIcon (juce::Graphics& g, const juce::ValueTree& item, int height,
                                         bool selected) const
 {
-    const auto zone = juce::Rectangle<float> (kNameStart * unit, static_cast<float> (height))
-                          .reduced (0.5f * unit, 0.45f * unit);
+    const juce::Rectangle<float> start (kNameStart * unit, static_cast<float> (height));
+    const auto zone = start.reduced (0.5f * unit, 0.45f * unit);
     const float opacity = selected ? 1.0f : 0.75f;
 
     if (item.hasType (typeString[kSampleNode]))
     {
         g.setOpacity (opacity);
-        g.drawImage (sampleImage, zone, juce::RectanglePlacement::centred);
+        g.drawImage (sampleImage, start.withTrimmedLeft (0.5f * unit),
+                     juce::RectanglePlacement::centred);
         return;
     }
 

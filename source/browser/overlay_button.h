@@ -12,7 +12,7 @@ public:
     {
         setTitle (title);
         setAlpha (0.0f);
-        setWantsKeyboardFocus (false);
+        setMouseClickGrabsKeyboardFocus (false);
     }
 
 private:

@@ -9,21 +9,21 @@
 static constexpr auto kResourceForks = "__MACOSX";
 
 /** Where ignoring case leaves a tie, case decides: the system may tell such files apart. */
-static bool comesBefore (const juce::File& a, const juce::File& b)
+static bool comesBefore (const FolderEntry& a, const FolderEntry& b)
 {
-    const auto& pathA = a.getFullPathName();
-    const auto& pathB = b.getFullPathName();
+    const auto& pathA = a.file.getFullPathName();
+    const auto& pathB = b.file.getFullPathName();
     const int order = pathA.compareIgnoreCase (pathB);
     return order != 0 ? order < 0 : pathA < pathB;
 }
 
-juce::Array<juce::File> listFolder (const juce::File& folder)
+std::vector<FolderEntry> listFolder (const juce::File& folder)
 {
-    auto files = folder.findChildFiles (
-        juce::File::findFilesAndDirectories | juce::File::ignoreHiddenFiles, false, "*");
-    files.removeIf ([] (const juce::File& file) { return file.getFileName() == kResourceForks; });
-    std::sort (files.begin(), files.end(), comesBefore);
-    return files;
+    auto entries = listEntries (folder);
+    std::erase_if (entries, [] (const FolderEntry& entry)
+                   { return entry.file.isHidden() || entry.file.getFileName() == kResourceForks; });
+    std::sort (entries.begin(), entries.end(), comesBefore);
+    return entries;
 }
 
 // --- dialects ------------------------------------------------------------------------------------------

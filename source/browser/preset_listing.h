@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "state/folder_listing.h"
 #include "state/name_cache.h"
 
 #include <juce_core/juce_core.h>
+
+#include <vector>
 
 /** Extension of preset files, its dot included; compared without regard to case. */
 inline constexpr auto kPresetExtension = ".zbpreset";
 
 /** Visible files and folders right below folder, in the order in which the browser shows them: by path,
     ignoring case. Folders that archives made on a Mac carry along are left out. Any thread. */
-juce::Array<juce::File> listFolder (const juce::File& folder);
+std::vector<FolderEntry> listFolder (const juce::File& folder);
 
 /** Name and type that a preset file tells, in the dialect of the product of that name; an empty name if the
     file tells none or can't be read. Opens the file. Any thread. */

@@ -120,7 +120,7 @@ void zb_PresetManager::makeButtons()
         button = std::make_unique<juce::TextButton> (juce::String (i));
         button->setTooltip (juce::translate (toolTipString[i]));
         button->setAlpha (0.0f);
-        button->setWantsKeyboardFocus (false);  // the arrow keys belong to the columns
+        button->setMouseClickGrabsKeyboardFocus (false);  // the arrow keys stay with the columns
         button->addListener (this);
         addAndMakeVisible (*button);
     }
@@ -187,8 +187,8 @@ void zb_PresetManager::paintButtons (juce::Graphics& g) const
 {
     for (const auto& button : buttons)
         if (! button->getBounds().isEmpty())
-            look.drawButton (g, button->getBounds().toFloat(), button->getButtonText(),
-                             button->isDown(), unit * 1.25f, look.textSize (unit, 1.25f, 1.0f));
+            look.drawButton (g, *button, button->getButtonText(), unit * 1.25f,
+                             look.textSize (unit, 1.25f, 1.0f));
 }
 
 // --- keys and closing ----------------------------------------------------------------------------------

@@ -51,8 +51,8 @@ void zb_PresetManagerDeleteWindow::paint (juce::Graphics& g)
                 juce::Justification::centred, true);
 
     for (const auto* const button : { &doIt, &keep })
-        look.drawButton (g, button->getBounds().toFloat(), juce::translate (button->getName()),
-                         button->isDown(), 0.5f * unit, look.textSize (unit, 1.15f, 1.0f));
+        look.drawButton (g, *button, juce::translate (button->getName()), 0.5f * unit,
+                         look.textSize (unit, 1.15f, 1.0f));
 }
 
 void zb_PresetManagerDeleteWindow::buttonClicked (juce::Button* button)

@@ -4,6 +4,7 @@
 #include "browser/zb_PresetManager.h"
 
 #include <cmath>
+#include <utility>
 
 zb_PresetManagerDownloadPanel::zb_PresetManagerDownloadPanel (zb_PresetManager& manager)
     : owner (manager), message (juce::translate ("CONTACTING SERVER"))
@@ -21,7 +22,7 @@ void zb_PresetManagerDownloadPanel::layOut (float newUnit)
 void zb_PresetManagerDownloadPanel::updatePanel (juce::String text, float newProgress,
                                                  bool finished)
 {
-    message = text;
+    message = std::move (text);
     progress = std::isfinite (newProgress) ? juce::jlimit (0.0f, 1.0f, newProgress)
                                            : 0.0f;  // a server need not tell the length
 

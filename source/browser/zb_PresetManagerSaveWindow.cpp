@@ -73,8 +73,7 @@ void zb_PresetManagerSaveWindow::paint (juce::Graphics& g)
     paintTexts (g);
 
     for (const auto* const button : { &cancelButton, &saveButton, &randomButton })
-        owner.look.drawButton (g, button->getBounds().toFloat(), button->getTitle(),
-                               button->isDown(), 0.5f * unit,
+        owner.look.drawButton (g, *button, button->getTitle(), 0.5f * unit,
                                owner.look.textSize (unit, 1.15f, 1.0f));
 }
 

@@ -39,8 +39,10 @@ void zb_PresetManager::addColumn (const juce::ValueTree& node)
 
 void zb_PresetManager::refreshColumns()
 {
-    for (int i = 0; i < columns.size(); ++i)
-        columns[i]->listBox->updateContent();
+    const juce::ScopedLock lock (columns.getLock());
+
+    for (auto* const column : columns)
+        column->listBox->updateContent();
 }
 
 // --- selection -----------------------------------------------------------------------------------------
@@ -159,10 +161,11 @@ static bool isTrail (const juce::ValueTree& node)
 juce::StringArray zb_PresetManager::getCurrentPath() const
 {
     juce::StringArray names;
+    const juce::ScopedLock lock (columns.getLock());
 
-    for (int i = 0; i < columns.size(); ++i)
+    for (const auto* const column : columns)
     {
-        const auto item = columns[i]->tree.getChild (columns[i]->listBox->getSelectedRow());
+        const auto item = column->tree.getChild (column->listBox->getSelectedRow());
         const auto name = item["name"].toString();
 
         if (isTrail (item) && name.isNotEmpty())

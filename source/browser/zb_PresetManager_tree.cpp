@@ -53,9 +53,13 @@ juce::ValueTree zb_PresetManager::addToTree (const juce::String& name, const juc
 void zb_PresetManager::createFolderTree (const juce::File& folder, juce::ValueTree& parent,
                                          int depth)
 {
-    for (const auto& child : listFolder (folder))
+    // Asked for once: it costs a look at the disk.
+    const auto start =
+        folder == presetFolder ? juce::String() : relativePresetPath (folder, presetFolder) + "/";
+
+    for (const auto& [child, isFolder] : listFolder (folder))
     {
-        if (child.isDirectory())
+        if (isFolder)
         {
             auto node = addToTree (child.getFileName(), child.getFullPathName(), kFolderNode, -1);
 
@@ -66,7 +70,7 @@ void zb_PresetManager::createFolderTree (const juce::File& folder, juce::ValueTr
         }
         else if (child.hasFileExtension (kPresetExtension))
         {
-            const auto known = nameAndType (relativePresetPath (child, presetFolder), child);
+            const auto known = nameAndType (start + child.getFileName(), child);
             parent.appendChild (
                 addToTree (known.name, child.getFullPathName(), known.type, presetCounter),
                 nullptr);

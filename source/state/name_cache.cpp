@@ -2,7 +2,10 @@
 #include "state/name_cache.h"
 
 #include "state/document_guard.h"
+#include "state/folder_listing.h"
 #include "state/whole_file.h"
+
+#include <algorithm>
 
 // Stored: never edit.
 static constexpr auto kCacheFile = "preset_info.xml";
@@ -40,34 +43,23 @@ PresetNames readNameCache (const juce::File& presetFolder)
     return names;
 }
 
-static int countPresetFiles (const juce::File& presetFolder)
-{
-    int count = 0;
-
-    // A link back up the tree is walked once: its system would follow it some forty levels deep.
-    for ([[maybe_unused]] const auto& entry :
-         juce::RangedDirectoryIterator (presetFolder, true, "*.zbpreset", juce::File::findFiles,
-                                        juce::File::FollowSymlinks::noCycles))
-        ++count;
-
-    return count;
-}
-
 bool readCurrentNameCache (const juce::File& presetFolder, KnownPresets& known)
 {
     const auto cache = parseDocument (nameCacheFile (presetFolder), kCacheLimits);
 
     if (cache == nullptr || ! hasTag (*cache, kCacheTag) ||
         cache->getIntAttribute (kVersion) != kPresentVersion ||
-        cache->getIntAttribute (kFileCount, -1) != countPresetFiles (presetFolder))
+        cache->getIntAttribute (kFileCount, -1) != countFilesBelow (presetFolder, ".zbpreset"))
         return false;
 
     known.clear();
 
+    // The file is in the map's order, so that each entry goes to the end.
     for (const auto* preset : cache->getChildIterator())
         if (hasTag (*preset, kPresetTag))
-            known[preset->getStringAttribute (kPath)] = { preset->getStringAttribute (kName),
-                                                          preset->getIntAttribute (kType, 2) };
+            known.insert_or_assign (known.end(), preset->getStringAttribute (kPath),
+                                    KnownPreset { preset->getStringAttribute (kName),
+                                                  preset->getIntAttribute (kType, 2) });
 
     return true;
 }
@@ -81,14 +73,15 @@ bool writeNameCache (const juce::File& presetFolder, const juce::String& pluginN
     cache.setAttribute (kFileCount, static_cast<int> (known.size()));
 
     // From the end: an element finds its last child by walking past all the others.
-    for (auto entry = known.rbegin(); entry != known.rend(); ++entry)
-    {
-        auto* const preset = new juce::XmlElement (kPresetTag);
-        cache.prependChildElement (preset);
-        preset->setAttribute (kPath, entry->first);
-        preset->setAttribute (kName, entry->second.name);
-        preset->setAttribute (kType, entry->second.type);
-    }
+    std::for_each (known.rbegin(), known.rend(),
+                   [&cache] (const KnownPresets::value_type& entry)
+                   {
+                       auto* const preset = new juce::XmlElement (kPresetTag);
+                       cache.prependChildElement (preset);
+                       preset->setAttribute (kPath, entry.first);
+                       preset->setAttribute (kName, entry.second.name);
+                       preset->setAttribute (kType, entry.second.type);
+                   });
 
     return replaceWithDocument (nameCacheFile (presetFolder), cache, Durable::no);
 }

@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <exception>
-#include <filesystem>
 #include <random>
 #include <system_error>
 
@@ -13,8 +12,7 @@
 #include <unistd.h>
 #endif
 
-/** The path in the standard library's terms, whatever the encoding of the system's paths. */
-static std::filesystem::path pathOf (const juce::File& file)
+std::filesystem::path filesystemPath (const juce::File& file)
 {
     const auto& text = file.getFullPathName();
     const auto* begin = reinterpret_cast<const char8_t*> (text.toRawUTF8());
@@ -24,7 +22,7 @@ static std::filesystem::path pathOf (const juce::File& file)
 bool isRegularFile (const juce::File& file)
 {
     std::error_code failure;
-    return std::filesystem::is_regular_file (pathOf (file), failure);
+    return std::filesystem::is_regular_file (filesystemPath (file), failure);
 }
 
 bool readRegularFile (const juce::File& file, std::size_t maxBytes, juce::MemoryBlock& bytes)
@@ -65,7 +63,7 @@ bool writeNewFile (const juce::File& file, const void* data, std::size_t numByte
 bool moveOver (const juce::File& source, const juce::File& target)
 {
     std::error_code failure;
-    std::filesystem::rename (pathOf (source), pathOf (target), failure);
+    std::filesystem::rename (filesystemPath (source), filesystemPath (target), failure);
     return ! failure;
 }
 

@@ -3,6 +3,11 @@
 
 #include <juce_core/juce_core.h>
 
+#include <filesystem>
+
+/** A path in the standard library's terms, whatever the encoding of the system's paths. Any thread. */
+std::filesystem::path filesystemPath (const juce::File& file);
+
 /** Whether file is a regular file, or a link to one. A pipe or a device, which would keep its reader waiting
     for ever, is none. Any thread. */
 bool isRegularFile (const juce::File& file);

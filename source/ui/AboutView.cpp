@@ -55,16 +55,15 @@ AboutView::AboutView (SharedInterface& sharedInterface) : shared (sharedInterfac
                  "Operating System: " + juce::SystemStats::getOperatingSystemName(),
                  "Device Description: " + juce::SystemStats::getDeviceDescription(),
                  "CPU: " + juce::SystemStats::getCpuModel() });
-    creditsText =
-        lines ({ "v" + version,
-                 {},
-                 "Audio Effect",
-                 {},
-                 "DSP: the Velkor founders",
-                 "GUI: the Velkor founders",
-                 {},
-                 "Copyright 2026 Zubrow Labs. Licence: GNU AGPL 3 or later.",
-                 "Built on JUCE. Typeface: Dosis, SIL Open Font License 1.1." });
+    creditsText = lines ({ "v" + version,
+                           {},
+                           "Audio Effect",
+                           {},
+                           "DSP: the Velkor founders",
+                           "GUI: the Velkor founders",
+                           {},
+                           "Copyright 2026 Zubrow Labs. Licence: GNU AGPL 3 or later.",
+                           "Built on JUCE. Typeface: Dosis, SIL Open Font License 1.1." });
     mailBody = lines ({ "Plugin: Velkor " + version }) + systemInfoText +
                lines ({ {}, "Your problem, and the steps to recreate it, if possible:" });
 
@@ -196,6 +195,8 @@ std::unique_ptr<juce::TextButton> AboutView::makeButton (const juce::String& nam
 {
     auto button = std::make_unique<juce::TextButton> (name);
     button->setTooltip (tip);
+    button->setTitle (name);
+    button->setDescription (tip);
     button->setAlpha (0.0f);
     button->addListener (this);
     addAndMakeVisible (*button);

@@ -4,11 +4,14 @@
 #include "ui/SharedInterface.h"
 #include "ui/Starfield.h"
 
+#include <memory>
+
 /** The overlay behind ABOUT: credits and system information before a field of stars, and three ways to the maker.
     A click anywhere else takes it out of its parent. Message thread. */
 class AboutView : public juce::Component, public juce::Button::Listener, public juce::Timer
 {
 public:
+    /** Gathers the texts and starts the stars. The shared interface outlives the view. */
     explicit AboutView (SharedInterface& sharedInterface);
 
     void paint (juce::Graphics& g) override;
@@ -24,7 +27,7 @@ public:
     const juce::String& credits() const { return creditsText; }
     const juce::String& systemInfo() const { return systemInfoText; }
 
-    Starfield starfield;
+    Starfield starfield;  ///< a still picture wants stars of its own
 
 private:
     void paintButton (juce::Graphics& g, const juce::TextButton& button,

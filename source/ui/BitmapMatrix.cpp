@@ -3,11 +3,14 @@
 
 #include "ui/image_strip.h"
 
+#include <utility>
+
 BitmapMatrix::BitmapMatrix (int rowCount, int columnCount, const juce::Image& strip,
                             GetCell getCellFunction, SetCell setCellFunction)
     : rows (rowCount), columns (columnCount), getCell (std::move (getCellFunction)),
       setCell (std::move (setCellFunction)), offImage (stripFrame (strip, 0, 2)),
-      onImage (stripFrame (strip, 1, 2))
+      onImage (stripFrame (strip, 1, 2)),
+      painted (static_cast<std::size_t> (juce::jmax (0, rows) * juce::jmax (0, columns)))
 {
 }
 
@@ -42,7 +45,6 @@ void BitmapMatrix::paint (juce::Graphics& g)
 
     // Most repaints come from the editor's timer and find nothing new.
     auto changed = false;
-    painted.resize (static_cast<std::size_t> (rows * columns));
 
     for (int row = 0; row < rows; ++row)
         for (int column = 0; column < columns; ++column)

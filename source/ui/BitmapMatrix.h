@@ -9,7 +9,8 @@
 #include <vector>
 
 /** A grid of switches that knows nothing of what they switch. A press flips a cell, and the drag that follows
-    gives every further cell that value. It keeps no copy of the cells: whoever changes them repaints it. Message
+    gives every further cell that value. The cells live with whoever gave the functions, who
+    repaints it after a change; it remembers only what its kept picture shows. Message
     thread. */
 class BitmapMatrix : public juce::Component
 {

@@ -8,6 +8,7 @@
 class BitmapSlider : public VelkorControl
 {
 public:
+    /** Without a handle at first. */
     BitmapSlider (juce::RangedAudioParameter& parameter, juce::UndoManager* history);
 
     void mouseDown (const juce::MouseEvent& event) override;

@@ -30,9 +30,10 @@ SharedInterface::SharedInterface (VelkorAudioProcessor& processorToUse,
       sharedFontSemibold (
           embedded (BinaryData::DosisSemiBold_otf, BinaryData::DosisSemiBold_otfSize))
 {
-    // The framework's default font, which the panel's values and tool tips take: the same on every system, and heavy
-    // enough for values of seven pixels in the smallest window.
-    juce::LookAndFeel::getDefaultLookAndFeel().setDefaultSansSerifTypeface (sharedFontSemibold);
+    // The framework's default font, which the panel's values and tool tips take: the same on every system, narrow, and
+    // with a plain zero, which a value of seven pixels needs.
+    juce::LookAndFeel::getDefaultLookAndFeel().setDefaultSansSerifTypeface (embedded (
+        BinaryData::RobotoCondensedMedium_ttf, BinaryData::RobotoCondensedMedium_ttfSize));
 }
 
 SharedInterface::~SharedInterface()

@@ -21,6 +21,7 @@ extern const juce::Colour colorHighlight3;  ///< spare
 class SharedInterface
 {
 public:
+    /** Makes the typefaces. Both outlive the interface. */
     SharedInterface (VelkorAudioProcessor& processorToUse,
                      juce::AudioProcessorValueTreeState& stateToUse);
     ~SharedInterface();

@@ -15,6 +15,7 @@ struct Star
 class Starfield
 {
 public:
+    /** Scatters the stars. */
     Starfield();
 
     /** Moves every star by one step; those that come too near start again far away. */
@@ -24,7 +25,7 @@ public:
         that stands outside it starts again. */
     const juce::Image& draw (int viewWidth, int viewHeight);
 
-    std::vector<Star> stars;
+    std::vector<Star> stars;  ///< in no order
 
 private:
     void respawnStar (Star& star);

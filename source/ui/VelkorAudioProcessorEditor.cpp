@@ -51,7 +51,6 @@ VelkorAudioProcessorEditor::VelkorAudioProcessorEditor (
     constrainer.setSizeLimits (600, 450, 1500, 1125);
     constrainer.setFixedAspectRatio (4.0 / 3.0);
     setConstrainer (&constrainer);
-    setResizable (true, false);
 
     shared = std::make_unique<SharedInterface> (velkor, state);
     presetManager = std::make_unique<zb_PresetManager> (
@@ -93,6 +92,7 @@ VelkorAudioProcessorEditor::~VelkorAudioProcessorEditor()
 void VelkorAudioProcessorEditor::buildButtons()
 {
     aboutButton = makeButton ("ABOUT", nullptr);
+    aboutButton->setDescription ("Shows version, credits and system information");
     favoriteButton = makeButton ("FAVORITE", "Toggle favorite status for current preset");
     bypassButton = makeButton ("BYPASS", "Bypass: Smoothly bypass all processing");
     undoButton = makeButton ("UNDO", "Undo last parameter change");
@@ -115,8 +115,13 @@ std::unique_ptr<juce::TextButton> VelkorAudioProcessorEditor::makeButton (const 
     button->setAlpha (0.0f);
     addAndMakeVisible (*button);
 
+    button->setTitle (name);
+
     if (toolTip != nullptr)
+    {
         button->setTooltip (toolTip);
+        button->setDescription (toolTip);
+    }
 
     return button;
 }

@@ -18,6 +18,7 @@ class VelkorAudioProcessorEditor : public juce::AudioProcessorEditor,
                                    public juce::Timer
 {
 public:
+    /** Opens at the processor's uiWidth. Both outlive the editor. */
     VelkorAudioProcessorEditor (VelkorAudioProcessor& processorToUse,
                                 juce::AudioProcessorValueTreeState& stateToUse);
     ~VelkorAudioProcessorEditor() override;

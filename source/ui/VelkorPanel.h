@@ -10,6 +10,7 @@
 #include "ui/kept_picture.h"
 #include "ui/panel_layout.h"
 
+#include <array>
 #include <memory>
 #include <vector>
 
@@ -20,6 +21,7 @@ class VelkorAudioProcessor;
 class VelkorPanel : public juce::Component
 {
 public:
+    /** Builds every control. Both outlive the panel. */
     VelkorPanel (VelkorAudioProcessor& processorToUse,
                  juce::AudioProcessorValueTreeState& stateToUse);
 
@@ -28,8 +30,8 @@ public:
 
     BitmapMatrix* modMatrix = nullptr;  ///< whoever sees the engine's routes change repaints it
     BitmapMatrix* signalMatrix =
-        nullptr;  ///< whoever sees the engine's connections change repaints it
-    MidiLed* midiLed = nullptr;
+        nullptr;                 ///< whoever sees the engine's connections change repaints it
+    MidiLed* midiLed = nullptr;  ///< whoever takes the processor's MIDI flag lights it
 
 private:
     /** A control and its place in the coordinates of the background. */

@@ -7,12 +7,13 @@
 class BitmapToggle : public VelkorControl
 {
 public:
+    /** Without pictures at first. */
     BitmapToggle (juce::RangedAudioParameter& parameter, juce::UndoManager* history);
 
     void mouseDown (const juce::MouseEvent& event) override;
     void paint (juce::Graphics& g) override;
 
-    juce::Image offImage, onImage;
+    juce::Image offImage, onImage;  ///< stretched over the control; an empty one is not drawn
 
 private:
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (BitmapToggle)

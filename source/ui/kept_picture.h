@@ -4,7 +4,7 @@
 #include <juce_graphics/juce_graphics.h>
 
 /** A drawing that is kept at the size of the screen's pixels, so that a repaint is a copy. Stretching a picture costs
-    some twenty times as much, and the grids ask for the background behind them thirty times a second. Message
+    many times as much, and the grids ask for the background behind them thirty times a second. Message
     thread. */
 class KeptPicture
 {

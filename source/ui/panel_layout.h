@@ -48,6 +48,7 @@ enum class ToggleImage
     // clang-format on
 };
 
+/** A toggle and its picture. */
 struct TogglePlace
 {
     NumericalParamID parameter;

@@ -291,6 +291,16 @@ TEST_F (BrowserArchives, ExportPacksAFolderWithAllThatIsInIt)
     EXPECT_TRUE (archive.deleteFile());
 }
 
+TEST_F (BrowserArchives, ExportGoesRoundNoCircle)
+{
+    putPreset ("Round/one.zbpreset", "One");
+    link ("Lib/Round/again", lib ("Round"));
+    link ("Lib/Round/up", lib());
+    const auto archive = exportFolder (lib ("Round"));
+    EXPECT_LT (juce::ZipFile (archive).getNumEntries(), 10);
+    EXPECT_TRUE (archive.deleteFile());
+}
+
 TEST_F (BrowserArchives, ExportCopiesAPresetAndLosesNothing)
 {
     putPreset ("A/one.zbpreset", "One");

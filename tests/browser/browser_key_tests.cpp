@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "browser/browser_window_fixture.h"
 
+#include <functional>
+
 class BrowserWindowKeys : public BrowserWindow
 {
 protected:
@@ -90,4 +92,39 @@ TEST_F (BrowserWindowKeys, SaveByTyping)
     EXPECT_EQ (browser().saveWindow, nullptr);
     EXPECT_TRUE (lib ("New/Sound.zbpreset").existsAsFile());
     EXPECT_EQ (view(), "A|*New|Zero / *Sound");
+}
+
+/** Calls visit with a component and all that is in it. */
+static void forEachComponent (juce::Component& top,
+                              const std::function<void (juce::Component&)>& visit)
+{
+    visit (top);
+
+    for (auto* const child : top.getChildren())
+        forEachComponent (*child, visit);
+}
+
+TEST_F (BrowserWindowKeys, EveryControlHasANameForScreenReaders)
+{
+    show();
+    click (on (*browser().buttons[kSaveCommand]));
+    click (onRow (0, "Zero"));
+    browser().buttonClicked (browser().buttons[kDeleteCommand].get());
+    int controls = 0;
+
+    forEachComponent (browser(),
+                      [&] (juce::Component& component)
+                      {
+                          if (dynamic_cast<juce::Button*> (&component) == nullptr &&
+                              dynamic_cast<juce::ListBox*> (&component) == nullptr &&
+                              dynamic_cast<juce::TextEditor*> (&component) == nullptr)
+                              return;
+
+                          ++controls;
+                          ASSERT_NE (component.getAccessibilityHandler(), nullptr);
+                          const auto title = component.getAccessibilityHandler()->getTitle();
+                          EXPECT_TRUE (title.isNotEmpty() && ! title.containsOnly ("0123456789"))
+                              << component.getName();
+                      });
+    EXPECT_GE (controls, 9 + 1 + 4 + 2);
 }

@@ -70,6 +70,15 @@ TEST_F (BrowserWindowMouse, CancelAndEscapeGoBackAndCloseKeeps)
     EXPECT_TRUE (hasClosed());
     EXPECT_EQ (delay(), 5.0f);
 
+    // Name and program are those of the moment of opening, whatever the document says.
+    reopen();
+    browser().undoPresetName = "Opened With";
+    browser().undoProgram = 1;
+    key (juce::KeyPress::escapeKey);
+    EXPECT_EQ (processor.presetName, "Opened With");
+    EXPECT_EQ (processor.currentProgram, 1);
+    EXPECT_TRUE (hasClosed());
+
     // Nothing to go back to: only closes.
     reopen();
     browser().undoState.clear();

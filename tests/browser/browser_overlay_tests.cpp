@@ -2,7 +2,30 @@
 #include "browser/browser_fixture.h"
 #include "browser/preset_words.h"
 
+#include <csignal>
 #include <set>
+#include <sys/resource.h>
+
+/** Files can't grow beyond a hundred bytes while this lives. */
+class SmallDisk
+{
+public:
+    SmallDisk()
+    {
+        signal (SIGXFSZ, SIG_IGN);
+        getrlimit (RLIMIT_FSIZE, &before);
+        const rlimit small { 100, before.rlim_max };
+        setrlimit (RLIMIT_FSIZE, &small);
+    }
+
+    ~SmallDisk() { setrlimit (RLIMIT_FSIZE, &before); }
+
+    SmallDisk (const SmallDisk&) = delete;
+    SmallDisk& operator= (const SmallDisk&) = delete;
+
+private:
+    rlimit before {};
+};
 
 class BrowserOverlays : public BrowserTest
 {
@@ -138,6 +161,17 @@ TEST_F (BrowserOverlays, SaveOverAFileReplacesItAndAFailedOneKeepsIt)
         EXPECT_EQ (browser().saveWindow->nameEditor.getText(), name);
     }
 
+    // And a disk that takes no more.
+    const auto whole = bytesOf (lib ("User/two.zbpreset"));
+
+    {
+        const SmallDisk full;
+        browser().saveWindow->nameEditor.setText ("two");
+        press (*browser().saveWindow, "COMMIT");
+        ASSERT_NE (browser().saveWindow, nullptr);
+    }
+
+    EXPECT_EQ (bytesOf (lib ("User/two.zbpreset")), whole);
     EXPECT_EQ (bytesOf (lib ("User/file")), "kept");
     EXPECT_EQ (lib ("User").getNumberOfChildFiles (juce::File::findFilesAndDirectories),
                4);  // and nothing half-written
@@ -218,8 +252,10 @@ TEST_F (BrowserOverlays, DeleteTakesAPresetOrAFolderForGood)
 
     HostListener host;
     processor.addListener (&host);
+    processor.programFolder = folder;  // as a product does whose presets are the host's programs
     command (kDeleteCommand);
     press (*browser().deleteWindow, "Do it!");
+    EXPECT_EQ (processor.programList.size(), 2);
     EXPECT_FALSE (lib ("User/two.zbpreset").exists());
     EXPECT_EQ (browser().deleteWindow, nullptr);
     EXPECT_EQ (view(), "*User / One|Sub");

@@ -12,18 +12,14 @@
 #include <unistd.h>
 
 /** An X server without a screen, for the tests of suites whose name begins with kSuites: started before them,
-    ended with the process, unless there is one already. */
+    ended with the process. */
 class XServer : public testing::Environment
 {
 public:
     static constexpr std::string_view kSuites = "BrowserWindow";
 
     /** Whether windows can be opened. */
-    static bool isThere()
-    {
-        const char* const display = std::getenv ("DISPLAY");
-        return display != nullptr && *display != 0;
-    }
+    static bool isThere() { return running; }
 
     void SetUp() override
     {
@@ -31,10 +27,6 @@ public:
             return;
 
         outliveErrors();
-
-        if (isThere())
-            return;
-
         int ends[2] = {};
 
         if (pipe (ends) != 0)
@@ -65,11 +57,15 @@ public:
 
         close (ends[0]);
 
-        if (! number.empty())
+        running = ! number.empty();
+
+        if (running)
             setenv ("DISPLAY", (":" + number).c_str(), 1);
     }
 
 private:
+    static inline bool running = false;
+
     /** Whether a test that is to run needs it: starting it takes some tenths of a second. */
     static bool isWanted()
     {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace
 {
@@ -62,6 +63,29 @@ TEST (Starfield, DrawsTrailsThickNearTheEyeAndDropsWhatLeavesTheFrame)
     field.stars = { { 0.5f, 0.0f, 0.5f, 1.0f } };  // a trail from 90 + 33.75 to 90 + 67.5
     EXPECT_EQ (litPixels (field.draw (900, 675)), 157 - 123 + 1);
 
+    // Flat and steep, toward other corners, each from the middle of the frame, where a prevZ far away puts a
+    // trail's start: by hand, from (89, 67) to (84, 64) and from (90, 67) to (91, 71).
+    const auto trail = [&field] (float x, float y, float z)
+    {
+        field.stars = { { x * z / 67.5f, y * z / 67.5f, z, 1.0e4f } };
+        std::vector<juce::Point<int>> lit;
+        const auto& frame = field.draw (900, 675);
+
+        for (int v = 0; v < frame.getHeight(); ++v)
+            for (int u = 0; u < frame.getWidth(); ++u)
+                if (frame.getPixelAt (u, v) == juce::Colours::white)
+                    lit.emplace_back (u, v);
+
+        return lit;
+    };
+
+    EXPECT_EQ (trail (-5.9f, -2.9f, 0.5f),
+               (std::vector<juce::Point<int>> {
+                   { 84, 64 }, { 85, 65 }, { 86, 65 }, { 87, 66 }, { 88, 66 }, { 89, 67 } }));
+    EXPECT_EQ (trail (1.2f, 3.6f, 0.5f),
+               (std::vector<juce::Point<int>> {
+                   { 90, 67 }, { 90, 68 }, { 90, 69 }, { 91, 70 }, { 91, 71 } }));
+
     // Exactly on the right edge of a frame of 180 by 135, and at the eye itself.
     field.stars = { { 90.0f / 67.5f, 0.0f, 1.0f, 1.0f }, { 0.0f, 0.0f, 0.0f, 0.0f } };
     EXPECT_EQ (litPixels (field.draw (900, 675)), 0);
@@ -119,6 +143,7 @@ TEST (AboutView, PlacesItsButtonsByTheScaleAndLeavesOnAClick)
         ASSERT_NE (found, nullptr) << name;
         EXPECT_EQ (found->getBounds(), juce::Rectangle<int> (x, 375, 60, 60)) << name;
         EXPECT_EQ (found->getAlpha(), 0.0f);
+        EXPECT_FALSE (found->getTitle().isEmpty() || found->getDescription().isEmpty()) << name;
     }
 
     EXPECT_TRUE (view.isTimerRunning());

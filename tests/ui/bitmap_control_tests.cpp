@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "ui/BitmapMatrix.h"
 #include "ui/BitmapSlider.h"
+#include "ui/MidiLed.h"
 #include "ui/ValueLabel.h"
 #include "ui/bitmap_switches.h"
 #include "ui/ui_fixture.h"
@@ -269,4 +270,100 @@ TEST_F (Grid, PaintsWhereAPressThatBeganOutsideComesIn)
     on = { { 7, 0 } };
     pointer.drag (75.0f, 5.0f);
     EXPECT_EQ (on, Cells {});
+}
+
+// A preset changes the cells behind the grid's back; the picture that it keeps must not outlive that.
+TEST (GridPicture, FollowsCellsThatChangeUnderneath)
+{
+    juce::Image strip (juce::Image::RGB, 14, 24, true);
+    strip.clear ({ 0, 12, 14, 12 }, juce::Colours::white);
+    std::set<std::pair<int, int>> on { { 4, 2 } };
+    BitmapMatrix matrix (
+        3, 5, strip,
+        [&on] (int column, int row) {
+            return on.contains ({ column, row });
+        },
+        [] (int, int, bool) {});
+    matrix.setSize (70, 36);
+
+    const auto expectShown = [&]
+    {
+        const auto picture = matrix.createComponentSnapshot (matrix.getLocalBounds());
+
+        for (int row = 0; row < 3; ++row)
+            for (int column = 0; column < 5; ++column)
+                EXPECT_EQ (picture.getPixelAt (column * 14 + 7, row * 12 + 6) ==
+                               juce::Colours::white,
+                           on.contains ({ column, row }))
+                    << column << " " << row;
+    };
+
+    expectShown();
+    on = { { 0, 1 }, { 3, 0 } };
+    expectShown();
+    on = { { 4, 2 } };
+    expectShown();
+}
+
+// --- what is painted -----------------------------------------------------------------------------------
+
+namespace
+{
+
+/** A strip whose frames have one grey each, the first black. */
+juce::Image greyStrip (int width, int frameHeight, int frames)
+{
+    juce::Image strip (juce::Image::RGB, width, frameHeight * frames, true);
+
+    for (int i = 0; i < frames; ++i)
+        strip.clear (
+            { 0, i * frameHeight, width, frameHeight },
+            juce::Colour::greyLevel (static_cast<float> (i) / static_cast<float> (frames - 1)));
+
+    return strip;
+}
+
+/** The brightness in the middle of a control, 0 to 1. */
+float middleOf (juce::Component& control)
+{
+    const auto centre = control.getLocalBounds().getCentre();
+    return control.createComponentSnapshot (control.getLocalBounds())
+        .getPixelAt (centre.x, centre.y)
+        .getBrightness();
+}
+
+}  // namespace
+
+TEST_F (BitmapControls, PaintTheFrameOfTheirValue)
+{
+    BitmapToggle toggle (parameterOf (processor, Delay2Loop), nullptr);
+    const auto two = greyStrip (47, 18, 2);
+    toggle.offImage = two.getClippedImage ({ 0, 0, 47, 18 });
+    toggle.onImage = two.getClippedImage ({ 0, 18, 47, 18 });
+    toggle.setSize (60, 22);
+
+    BitmapChoiceH choice (parameterOf (processor, Delay2Multiplier), greyStrip (92, 18, 4), 4,
+                          nullptr);
+    choice.setSize (110, 22);
+
+    BitmapSelector2x2 selector (parameterOf (processor, LFO2Wave), greyStrip (93, 36, 4), nullptr);
+    selector.setSize (112, 43);
+
+    for (int item = 0; item < 4; ++item)
+    {
+        const auto value = static_cast<float> (item) / 3.0f;
+
+        for (const auto id : { Delay2Loop, Delay2Multiplier, LFO2Wave })
+            parameterOf (processor, id).setValueNotifyingHost (value);
+
+        EXPECT_NEAR (middleOf (toggle), item < 2 ? 0.0f : 1.0f, 0.02) << item;
+        EXPECT_NEAR (middleOf (choice), value, 0.02) << item;
+        EXPECT_NEAR (middleOf (selector), value, 0.02) << item;
+    }
+
+    MidiLed lamp (greyStrip (20, 19, 2));
+    lamp.setSize (24, 23);
+    EXPECT_NEAR (middleOf (lamp), 0.0f, 0.02);
+    lamp.lit = true;
+    EXPECT_NEAR (middleOf (lamp), 1.0f, 0.02);
 }

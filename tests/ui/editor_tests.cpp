@@ -3,9 +3,13 @@
 #include "ui/VelkorAudioProcessorEditor.h"
 #include "ui/ui_fixture.h"
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <thread>
+#include <vector>
 
 namespace
 {
@@ -287,6 +291,22 @@ TEST_F (Editor, ShowsToolTipsOnlyWhereTheMachineWantsThem)
                "Bypass: Smoothly bypass all processing");
 }
 
+TEST_F (Editor, TellsScreenReadersWhatItsButtonsDo)
+{
+    int buttons = 0;
+
+    for (auto* child : editor->getChildren())
+        if (auto* button = dynamic_cast<juce::TextButton*> (child))
+        {
+            ++buttons;
+            EXPECT_FALSE (button->getTitle().isEmpty()) << button->getName();
+            EXPECT_FALSE (button->getDescription().isEmpty()) << button->getName();
+        }
+
+    EXPECT_EQ (buttons, 5);
+    EXPECT_TRUE (named<juce::TextButton> (*editor, "ABOUT").getTooltip().isEmpty());
+}
+
 TEST (SharedLook, FallsBackToTheLightTypefaceAndThenToTheFrameworks)
 {
     VelkorAudioProcessor processor;
@@ -303,59 +323,62 @@ TEST (SharedLook, FallsBackToTheLightTypefaceAndThenToTheFrameworks)
 // Nothing of the editor may reach the sound: the same input gives the same samples with an editor that comes and goes.
 TEST (EditorBesideAudio, ComesAndGoesWithoutATraceInTheSound)
 {
-    constexpr int kBlocks = 400, kBlockSize = 64;
-    const auto render = [] (VelkorAudioProcessor& processor, const std::atomic<bool>* started)
+    constexpr int kBlockSize = 64;
+    using Samples = std::vector<float>;
+
+    /** Renders noise until told to stop, and at most so many blocks. */
+    const auto render =
+        [] (VelkorAudioProcessor& processor, const std::atomic<bool>& stop, std::size_t most)
     {
-        std::vector<float> result;
+        Samples result;
         juce::AudioBuffer<float> buffer (2, kBlockSize);
         juce::MidiBuffer midi;
         juce::Random noise (7);
 
-        for (int block = 0; block < kBlocks; ++block)
+        for (std::size_t block = 0; block < most && ! stop; ++block)
         {
             for (int channel = 0; channel < 2; ++channel)
                 for (int i = 0; i < kBlockSize; ++i)
                     buffer.setSample (channel, i, noise.nextFloat() - 0.5f);
 
             processor.processBlock (buffer, midi);
-            result.insert (result.end(), buffer.getReadPointer (0),
-                           buffer.getReadPointer (0) + kBlockSize);
 
-            if (started != nullptr)
-                std::this_thread::sleep_for (std::chrono::microseconds (500));
+            for (int channel = 0; channel < 2; ++channel)
+                result.insert (result.end(), buffer.getReadPointer (channel),
+                               buffer.getReadPointer (channel) + kBlockSize);
+
+            std::this_thread::sleep_for (std::chrono::microseconds (200));
         }
 
         return result;
     };
 
-    VelkorAudioProcessor alone;
-    alone.prepareToPlay (48000.0, kBlockSize);
-    const auto expected = render (alone, nullptr);
-
     VelkorAudioProcessor watched;
+    watched.uiWidth = 900;
     watched.prepareToPlay (48000.0, kBlockSize);
-    std::atomic<bool> done { false };
-    std::vector<float> heard;
-    std::thread audio (
-        [&]
-        {
-            heard = render (watched, &done);
-            done = true;
-        });
+    std::atomic<bool> stop { false };
+    Samples heard;
+    std::thread audio ([&] { heard = render (watched, stop, 1000000); });
 
-    int opened = 0;
-
-    while (opened < 200 || ! done)
+    for (int i = 0; i < 200; ++i)
     {
         const std::unique_ptr<juce::AudioProcessorEditor> editor (watched.createEditor());
         static_cast<VelkorAudioProcessorEditor&> (*editor).timerCallback();
-        ++opened;
 
-        if (opened == 400)
-            break;
+        if (i % 20 == 0)
+        {
+            editor->setSize (1000, 750);
+            EXPECT_TRUE (editor->createComponentSnapshot (editor->getLocalBounds()).isValid());
+            watched.uiWidth = 900;
+        }
     }
 
+    stop = true;
     audio.join();
-    EXPECT_GE (opened, 200);
-    EXPECT_EQ (heard, expected);
+    ASSERT_FALSE (heard.empty());
+
+    VelkorAudioProcessor alone;
+    alone.prepareToPlay (48000.0, kBlockSize);
+    const std::atomic<bool> never { false };
+    EXPECT_EQ (heard, render (alone, never, heard.size() / (2 * kBlockSize)));
 }

@@ -3,6 +3,7 @@
 #include "velkor_render/failure.h"
 #include "velkor_render/private_home.h"
 #include "velkor_render/sound.h"
+#include "velkor_shot/still_stars.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
 
@@ -60,19 +61,32 @@ Component& childOf (juce::Component& parent)
     throw std::logic_error ("the editor lacks a part");
 }
 
+/** The row whose file is named after the present preset, numbered or not; the default's without one. */
+int programOf (const zb_PresetManager& browser)
+{
+    const auto& name = browser.processor.presetName;
+
+    for (int i = 0; i < browser.presetFiles.size(); ++i)
+        if (const auto file = browser.presetFiles[i].getFileNameWithoutExtension();
+            file == name || file.endsWith (" - " + name))
+            return i;
+
+    return browser.findPresetIndex ("Default.zbpreset");
+}
+
 void show (VelkorAudioProcessorEditor& editor, const std::string& view)
 {
     if (view == "about")
     {
         juce::TextButton about ("ABOUT");
         editor.buttonClicked (&about);
-        childOf<AboutView> (editor)
-            .starfield.stars.clear();  // a picture that is the same every time
+        childOf<AboutView> (editor).starfield.stars = stillStars();
     }
 
     if (view == "browser")
     {
         auto& browser = childOf<zb_PresetManager> (editor);
+        browser.processor.currentProgram = programOf (browser);
         browser.setVisible (true);
         browser.navigateToCurrentPreset();
         browser.toFront (false);

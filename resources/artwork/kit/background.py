@@ -21,8 +21,8 @@ PLATES = [
     (145, 284, 115, 156, False, "LFO", "2", 302),
     (275, 22, 115, 136, False, "FILTER", "1", 39.5),
     (395, 22, 115, 136, False, "FILTER", "2", 39.5),
-    (275, 166, 115, 70, False, "SATURATION", "1", 190),
-    (395, 166, 115, 70, False, "SATURATION", "2", 190),
+    (275, 166, 115, 70, False, "SATURATION", "1", 184),
+    (395, 166, 115, 70, False, "SATURATION", "2", 184),
     (525, 22, 200, 214, False, "INPUT & MIX", "", 39.5),
     (275, 244, 235, 196, True, "MODULATION", "", 260.5),
     (525, 244, 200, 196, True, "SIGNAL", "", 260.5),
@@ -47,7 +47,7 @@ MOD_ROWS = {
     "Level1Mod": "LEVEL 1", "Level2Mod": "LEVEL 2",
 }
 SIGNAL_COLUMNS = ("INPUT L", "INPUT R", "DELAY 1", "DELAY 2", "FILTER 1", "FILTER 2", "SAT 1", "SAT 2")
-SIGNAL_ROWS = (("DELAY IN",), ("DELAY", "FEEDBACK"), ("FILTER IN",), ("SATURATION", "IN"), ("OUTPUT",))
+SIGNAL_ROWS = (("DELAY IN",), ("DELAY", "FEEDBACK"), ("FILTER IN",), ("SAT IN",), ("OUTPUT",))
 ROWS = 10
 
 LARGE_HANDLE, SMALL_HANDLE = 16, 12  # widths on the panel, that is, what a fader's travel is short of its width

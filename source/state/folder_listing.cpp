@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#include "state/folder_listing.h"
+
+#include "state/whole_file.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+namespace fs = std::filesystem;
+
+/** Calls visit with each entry of a folder. */
+template <typename Visit>
+static void forEachEntry (const fs::path& folder, Visit&& visit)
+{
+    std::error_code failure;
+
+    for (fs::directory_iterator
+             entry (folder, fs::directory_options::skip_permission_denied, failure),
+         end;
+         ! failure && entry != end; entry.increment (failure))
+    {
+        std::error_code unknown;
+        visit (*entry, entry->is_directory (unknown));
+    }
+}
+
+static juce::String textOf (const std::u8string& path)
+{
+    return juce::String::fromUTF8 (reinterpret_cast<const char*> (path.c_str()));
+}
+
+static juce::String nameOf (const fs::directory_entry& entry)
+{
+    return textOf (entry.path().filename().u8string());
+}
+
+std::vector<FolderEntry> listEntries (const juce::File& folder)
+{
+    std::vector<FolderEntry> entries;
+    forEachEntry (filesystemPath (folder),
+                  [&] (const fs::directory_entry& entry, bool isFolder) {
+                      entries.push_back ({ folder.getChildFile (nameOf (entry)), isFolder });
+                  });
+    return entries;
+}
+
+/** Calls visit with each entry of a folder and of those below it. The trail holds the real places of the
+    folders on the way. */
+template <typename Visit>
+static void forEachBelow (const fs::path& folder, std::vector<fs::path>& trail, Visit& visit)
+{
+    forEachEntry (folder,
+                  [&] (const fs::directory_entry& entry, bool isFolder)
+                  {
+                      if (! isFolder)
+                      {
+                          visit (entry, false);
+                          return;
+                      }
+
+                      std::error_code failure;
+                      auto place = entry.is_symlink (failure)
+                                       ? fs::canonical (entry.path(), failure)
+                                       : trail.back() / entry.path().filename();
+
+                      if (failure || std::find (trail.begin(), trail.end(), place) != trail.end())
+                          return;
+
+                      visit (entry, true);
+                      trail.push_back (std::move (place));
+                      forEachBelow (entry.path(), trail, visit);
+                      trail.pop_back();
+                  });
+}
+
+template <typename Visit>
+static void forEachBelow (const juce::File& folder, Visit&& visit)
+{
+    std::error_code failure;
+    const auto top = filesystemPath (folder);
+    std::vector<fs::path> trail { fs::canonical (top, failure) };
+
+    if (! failure)
+        forEachBelow (top, trail, visit);
+}
+
+std::vector<FolderEntry> listEntriesBelow (const juce::File& folder)
+{
+    std::vector<FolderEntry> entries;
+    forEachBelow (
+        folder,
+        [&] (const fs::directory_entry& entry, bool isFolder) {
+            entries.push_back ({ juce::File (textOf (entry.path().u8string())), isFolder });
+        });
+    return entries;
+}
+
+int countFilesBelow (const juce::File& folder, juce::StringRef extension)
+{
+    int count = 0;
+    forEachBelow (folder,
+                  [&] (const fs::directory_entry& entry, bool isFolder) {
+                      count += ! isFolder && nameOf (entry).endsWithIgnoreCase (extension) ? 1 : 0;
+                  });
+    return count;
+}

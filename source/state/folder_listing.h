@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: AGPL-3.0-or-later
+#pragma once
+
+#include <juce_core/juce_core.h>
+
+#include <vector>
+
+/** A file or a folder in a folder. */
+struct FolderEntry
+{
+    juce::File file;
+    bool isFolder = false;  ///< a folder, or a link to one
+};
+
+/** All files and folders right in a folder, hidden ones included, in no order; empty if it can't be read. Asks
+    the system about links alone, where the framework's own listing asks about every file. Any thread. */
+std::vector<FolderEntry> listEntries (const juce::File& folder);
+
+/** The same of a folder and all folders below it, those behind links included; leaves out a link that leads
+    back to a folder on the way to it. Any thread. */
+std::vector<FolderEntry> listEntriesBelow (const juce::File& folder);
+
+/** Number of files in a folder and below it, by the same rules, whose extension, its dot included, is the given
+    one in any case. Any thread. */
+int countFilesBelow (const juce::File& folder, juce::StringRef extension);
