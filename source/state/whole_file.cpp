@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <exception>
-#include <filesystem>
 #include <random>
 #include <system_error>
 

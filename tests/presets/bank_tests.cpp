@@ -5,7 +5,9 @@
 #include <array>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <map>
 #include <string>
+#include <utility>
 
 // What holds for every factory preset: it loads as it is written, and it is fit to be heard. What single
 // presets promise by their names is in named_echoes_tests.cpp and named_motions_tests.cpp.
@@ -164,6 +166,34 @@ TEST (FactoryBank, EveryDocumentReachesTheInstanceAsItIsWritten)
         EXPECT_EQ (engine.modulation.router.routes.size(),
                    document->getChildByName ("ModMatrix")->getNumChildElements());
     }
+}
+
+TEST (FactoryBank, UsesAllSevenResponsesOfTheFilters)
+{
+    std::map<std::string, int> uses;
+
+    for (int number = 0; number < kNumPresets; ++number)
+    {
+        PresetBench bench (number);
+
+        for (const auto& [destination, id] : { std::pair { destFilter1, "Filter 1 Mode" },
+                                               std::pair { destFilter2, "Filter 2 Mode" } })
+        {
+            bool isFed = false;
+
+            for (int source = 0; source < kNumSignalSources; ++source)
+                isFed = isFed || bench.processor.getSignalConnection (source, destination);
+
+            const auto* const mode = bench.processor.parameterTree.getParameter (id);
+
+            if (isFed)
+                ++uses[mode->getCurrentValueAsText().toStdString()];
+        }
+    }
+
+    for (const char* const response :
+         { "Notch", "Ntch/LP", "Lowpass", "LP/BP", "Bandpass", "BP/HP", "Highpass" })
+        EXPECT_GE (uses[response], 2) << response;
 }
 
 // One test, since the renders are what takes the time.

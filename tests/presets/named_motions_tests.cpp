@@ -4,6 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 
 // Factory presets whose names promise something that can be measured: what they do with level, place and
 // colour, and how they follow MIDI.
@@ -117,6 +118,30 @@ TEST (NamedMotions, AirLiftsTheTopAndLeavesTheBottomAlone)
     const double high = decibels (rms (out.left, 0.7, 0.9) / (0.25 / std::sqrt (2.0)));
     EXPECT_NEAR (low, -2.0, 0.5) << "Dry Level";
     EXPECT_GT (high, low + 3.0);
+}
+
+TEST (NamedMotions, RandomFlangeWorksTheSidesHarderThanTheMiddleButNotInTheBass)
+{
+    const auto widened = [] (const Sound& middle)
+    {
+        auto side = middle;
+
+        for (float& x : side.right)
+            x = -x;
+
+        WetBench ofMiddle (19), ofSide (19);
+        const auto a = ofMiddle.play (middle);
+        const auto b = ofSide.play (side);
+        return std::pair { decibels (rms (b.left, 0.2, 1.0) / rms (a.left, 0.2, 1.0)),
+                           decibels (rms (b.right, 0.2, 1.0) / rms (a.right, 0.2, 1.0)) };
+    };
+
+    const auto [left, right] = widened (noise (1.0));
+    EXPECT_GT (left, 4.0);
+    EXPECT_NEAR (right, left, 0.1) << "both sides alike";
+    const auto [leftBass, rightBass] = widened (sine (40.0, 1.0));
+    EXPECT_NEAR (leftBass, 0.0, 1.0);
+    EXPECT_NEAR (rightBass, 0.0, 1.0);
 }
 
 TEST (NamedMotions, RatshackReverbIsShortAndDense)
