@@ -33,7 +33,7 @@ zb_PresetManagerSaveWindow::zb_PresetManagerSaveWindow (zb_PresetManager& manage
     nameEditor.setColour (juce::CaretComponent::caretColourId, colours.colourText);
     nameEditor.setJustification (juce::Justification::centredLeft);
     nameEditor.setSelectAllWhenFocused (true);
-    nameEditor.setText (owner.processor.presetName, juce::dontSendNotification);
+    nameEditor.setText (owner.processor.getPresetName(), juce::dontSendNotification);
     nameEditor.addListener (this);
     addAndMakeVisible (nameEditor);
 

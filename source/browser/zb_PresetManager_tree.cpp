@@ -11,7 +11,7 @@ static constexpr int kTreeDepth = 3;
 void zb_PresetManager::makeNewTree()
 {
     JUCE_ASSERT_MESSAGE_THREAD
-    const auto name = processor.presetName;
+    const auto name = processor.getPresetName();
     presetCounter = 0;
     presetFiles.clearQuick();
     deleteColumnsBehind (-1);

@@ -193,7 +193,7 @@ void VelkorAudioProcessorEditor::openBrowser()
     juce::Desktop::getInstance().getAnimator().animateComponent (
         presetManager.get(), presetManager->getBounds(), 1.0f, kFadeMs, false, 1.0, 1.0);
     presetManager->getStateAsText (presetManager->undoState);
-    presetManager->undoPresetName = velkor.presetName;
+    presetManager->undoPresetName = velkor.getPresetName();
     presetManager->undoProgram = velkor.currentProgram;
     presetManager->navigateToCurrentPreset();
     presetManager->toFront (true);

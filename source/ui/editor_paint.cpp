@@ -77,7 +77,7 @@ void VelkorAudioProcessorEditor::paintPresetField (juce::Graphics& g) const
     g.fillEllipse (presetRect.getX() + u, top, 0.5f * u, 0.5f * u);
     g.fillEllipse (presetRect.getRight() - u - 0.5f * u, top, 0.5f * u, 0.5f * u);
 
-    auto text = velkor.presetName;
+    auto text = velkor.getPresetName();
 
     if (velkor.undoManager.canUndo())
         text << " *";
