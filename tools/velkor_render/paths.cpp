@@ -9,9 +9,11 @@ juce::File frameworkFile (const std::filesystem::path& path)
 {
     std::error_code error;
 
-    // Links are followed here: the framework would take the ".." of a path by its letters.
-    const auto place = std::filesystem::weakly_canonical (path, error);
-    const auto text = (error ? std::filesystem::absolute (path) : place).u8string();
+    // Links are followed here: the framework would take the ".." of a path by its letters. What is not there yet stays
+    // relative unless it is made absolute first.
+    const auto full = std::filesystem::absolute (path);
+    const auto place = std::filesystem::weakly_canonical (full, error);
+    const auto text = (error ? full : place).u8string();
     return juce::File (juce::String::fromUTF8 (reinterpret_cast<const char*> (text.c_str())));
 }
 
