@@ -78,7 +78,7 @@ static void feedback (benchmark::State& state)
     benchmark::DoNotOptimize (amount);
     timeCalls (state, "ns/frame",
                [&amount] (float x)
-               { benchmark::DoNotOptimize (feedbackShape (amount, 20.0f * x)); });
+               { benchmark::DoNotOptimize (feedbackShape (splat (amount), splat (20.0f * x))); });
 }
 
 BENCHMARK (feedback);
@@ -107,7 +107,8 @@ static void saturator (benchmark::State& state)
 {
     float k = saturationConstant (0.5f);
     benchmark::DoNotOptimize (k);
-    timeCalls (state, "ns/frame", [&k] (float x) { benchmark::DoNotOptimize (saturation (k, x)); });
+    timeCalls (state, "ns/frame",
+               [&k] (float x) { benchmark::DoNotOptimize (saturation (splat (k), splat (x))); });
 }
 
 BENCHMARK (saturator);
@@ -137,12 +138,14 @@ static void router (benchmark::State& state)
     for (int i = 0; matrix.connectionCount < state.range (0); ++i)
         signal_matrix_edit (matrix, (i + i / 40) % kNumSignalSources, i % kNumSignalDests, true);
 
+    float sources[kNumSignalSources] {};
+    DestLanes dests;
     timeCalls (state, "ns/frame",
-               [&matrix] (float x)
+               [&matrix, &sources, &dests] (float x)
                {
-                   matrix.signalSources[sourceInputL] = x;
-                   signal_matrix_dsp (matrix);
-                   benchmark::DoNotOptimize (matrix.signalDests);
+                   sources[sourceInputL] = x;
+                   signal_matrix_dsp (matrix, sources, dests);
+                   benchmark::DoNotOptimize (dests);
                });
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "engine/lanes.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -68,16 +70,15 @@ void delay_fad_set_time (DelayFad& line, bool synced, std::int32_t mult, float t
     stay inside the buffer whatever the heads' positions are. Audio thread, lock-free. */
 void delay_fad_dsp (DelayFad& line, float in) noexcept;
 
-/** The soft limit on what a feedback destination x brings back into its line, times amount (0 to 1): a
+/** The soft limit on what a feedback destination x brings back into its line, times amount (0 to 1), in each lane: a
     cubic that meets 0.76 at x = 1 with no slope, so that feedback near 1 builds up but can't run away. Any
     thread: no state. */
-inline float feedbackShape (float amount, float x) noexcept
+inline Floats feedbackShape (Floats amount, Floats x) noexcept
 {
-    if (x > 1.0f)
-        return amount * 0.76f;
+    const Floats cubic = amount * 0.38f * (3.0f * x - x * x * x);
 
-    if (x < -1.0f)
-        return amount * -0.76f;
+    if (! any (absolute (x) > 1.0f)) [[likely]]
+        return cubic;
 
-    return amount * 0.38f * (3.0f * x - x * x * x);
+    return select (x > 1.0f, amount * 0.76f, select (x < -1.0f, amount * -0.76f, cubic));
 }

@@ -107,8 +107,7 @@ void engine_replace_connections (VelkorEngine& engine, std::span<const SignalPai
 {
     SignalMatrix fresh;
 
-    for (const auto& pair : pairs)
-        signal_matrix_edit (fresh, pair.source, pair.destination, true);
+    signal_matrix_fill (fresh, pairs);
 
     const juce::SpinLock::ScopedLockType lock (engine.signal.connectionLock);
     signal_matrix_take (engine.signal, fresh);

@@ -1,23 +1,291 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-#include "engine/engine.h"
-#include "engine/engine_globals.h"
+#include "engine/block_lanes.h"
+#include "engine/delay_heads.h"
+#include "engine/finite_values.h"
 #include "engine/limits.h"
 #include "engine/saturation.h"
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
 
-// What changes per block, per tick and per sample stands apart: planBlock, setTick, runSample.
-
-/** What a tick hands to its samples. */
-struct TickValues
+/** The final clip to -1..1. Unlike the limits of the controls it lets a NaN through: the end of the block looks for
+    it. */
+static Floats hardClip (Floats x) noexcept
 {
-    float kill;            ///< gain of what enters the matrix, 0 to 1
-    float level1, level2;  ///< of the two outputs of the matrix
+    return larger (splat (-1.0f), smaller (splat (1.0f), x));
+}
+
+// --- stages of a tick ------------------------------------------------------------------------------------------
+
+/** A tick's samples of both channels, one to a lane. */
+struct StereoTick
+{
+    Floats left, right;
 };
 
-// --- per block -----------------------------------------------------------------------------------------
+/** The first count of four samples; zeros behind. */
+static Floats loadSome (const float* from, int count) noexcept
+{
+    if (count == ControlTick)
+        return load (from);
+
+    float values[ControlTick] = {};
+    std::copy_n (from, count, values);
+    return load (values);
+}
+
+static void storeSome (float* to, Floats values, int count) noexcept
+{
+    if (count == ControlTick)
+        return store (to, values);
+
+    float all[ControlTick];
+    store (all, values);
+    std::copy_n (all, count, to);
+}
+
+/** The input after level and mono, which is also the dry signal. */
+static StereoTick inputStage (const VelkorEngine& engine, const StageGains& gains,
+                              StereoTick in) noexcept
+{
+    const Floats left = gains.input * in.left + engine.antiDenormalOffset;
+    const Floats right = gains.input * in.right + engine.antiDenormalOffset;
+
+    if (! engine.block.mono)
+        return { left, right };
+
+    const Floats sum = 0.707f * right + 0.707f * left;
+    return { sum, sum };
+}
+
+/** What the dry signal comes to behind Kill and phase, as the matrix gets it. */
+static StereoTick matrixInput (const StageGains& gains, float kill, StereoTick dry) noexcept
+{
+    return { gains.phase1 * (kill * dry.left), gains.phase2 * (kill * dry.right) };
+}
+
+/** What the envelope's detector adds for the first count samples, in their order. */
+static float detect (StereoTick dry, int count) noexcept
+{
+    const Floats magnitude = absolute (dry.right) + absolute (dry.left);
+    float sum = 0.0f;
+
+    for (int n = 0; n < count; ++n)
+        sum += magnitude[n];
+
+    return sum;
+}
+
+/** Levels, panners, wet and dry, and the clip at the end of it all. */
+static StereoTick outputStage (const StageGains& gains, Floats output1, Floats output2,
+                               StereoTick dry) noexcept
+{
+    const Floats out1 = output1 * gains.level1;
+    const Floats out2 = output2 * gains.level2;
+    const Floats wetLeft = out1 * gains.left1 + out2 * gains.left2;
+    const Floats wetRight = out1 * gains.right1 + out2 * gains.right2;
+    return { hardClip (gains.wet * wetLeft + gains.dry * dry.left),
+             hardClip (gains.wet * wetRight + gains.dry * dry.right) };
+}
+
+// --- sample by sample ------------------------------------------------------------------------------------------
+
+/** The tick's samples through all nodes, any wiring. The order defines the feedback: whatever crosses the matrix is one
+    sample old, except the inputs. Returns what stood at the outputs of the matrix. */
+template <typename Heads>
+static StereoTick runSamples (BlockLanes& lanes, const SignalMatrix& matrix, StereoTick in,
+                              int count) noexcept
+{
+    Heads heads (lanes.delays);
+    MorphState<Doubles> filterState = lanes.filters.state;  // local copies stay in registers
+    DestLanes dests = lanes.dests;
+    Floats made = lanes.made;
+    auto& [ofInputs, ofFilters, ofOutputs] = dests.lanes;
+    float inputs[2 * ControlTick], outputs[2 * ControlTick] = {};
+    store (inputs, interleaveLow (in.left, in.right));
+    store (inputs + 4, interleaveHigh (in.left, in.right));
+
+    for (int n = 0; n < count; ++n)
+    {
+        float* const sources = lanes.sources[n];
+        storePair (sources + sourceInputL, loadPair (inputs + 2 * n));
+        store (sources + sourceDelay1, made);
+        storeUpperPair (sources + sourceSaturation1, saturation (lanes.satKOfFilters, ofFilters));
+        signal_matrix_dsp (matrix, sources, dests);
+
+        const Floats feedback = feedbackShape (lanes.feedbackOfInputs, ofInputs);
+        const Floats ofDelays = heads.dsp (n, ofInputs + upperPair (feedback));
+        made = pairs (ofDelays, filter_pair_dsp (lanes.filters, filterState, ofFilters));
+        storePair (outputs + 2 * n, ofOutputs);
+    }
+
+    lanes.dests = dests;
+    lanes.made = made;
+    lanes.filters.state = filterState;
+    heads.finish();
+    const Floats early = load (outputs);
+    const Floats late = load (outputs + 4);
+    return { __builtin_shufflevector (early, late, 0, 2, 4, 6),
+             __builtin_shufflevector (early, late, 1, 3, 5, 7) };
+}
+
+// --- node by node ----------------------------------------------------------------------------------------------
+
+/** A tick's values one sample later: the last of the tick before comes first. */
+static Floats delayed (Floats before, Floats now) noexcept
+{
+    return __builtin_shufflevector (before, now, 3, 4, 5, 6);
+}
+
+static void runSaturators (BlockLanes& lanes, const StagePlan& plan) noexcept
+{
+    NodeTicks& t = lanes.ticks;
+
+    for (int i = 0; i < 2; ++i)
+    {
+        const Floats before = t.dests[destSaturation1 + i];
+        stage_plan_sum (plan, t.sources, t.dests, destSaturation1 + i);
+        t.sources[sourceSaturation1 + i] = saturation (
+            splat (lanes.satKOfFilters[2 + i]), delayed (before, t.dests[destSaturation1 + i]));
+    }
+}
+
+static void runFilters (BlockLanes& lanes, const StagePlan& plan) noexcept
+{
+    NodeTicks& t = lanes.ticks;
+    stage_plan_sum (plan, t.sources, t.dests, destFilter1);
+    stage_plan_sum (plan, t.sources, t.dests, destFilter2);
+    const Floats early = interleaveLow (t.dests[destFilter1], t.dests[destFilter2]);
+    const Floats late = interleaveHigh (t.dests[destFilter1], t.dests[destFilter2]);
+
+    MorphState<Doubles> state = lanes.filters.state;
+    const Floats first = filter_pair_dsp (lanes.filters, state, early);
+    const Floats second = filter_pair_dsp (lanes.filters, state, upperPair (early));
+    const Floats third = filter_pair_dsp (lanes.filters, state, late);
+    const Floats fourth = filter_pair_dsp (lanes.filters, state, upperPair (late));
+    lanes.filters.state = state;
+
+    const Floats earlyOut = interleaveLow (first, second);
+    const Floats lateOut = interleaveLow (third, fourth);
+    const Floats out[] = { pairs (earlyOut, lateOut),
+                           pairs (upperPair (earlyOut), upperPair (lateOut)) };
+
+    for (int i = 0; i < 2; ++i)
+    {
+        t.sources[sourceFilter1 + i] = delayed (t.filterOut[i], out[i]);
+        t.filterOut[i] = out[i];
+    }
+}
+
+static void writeDelays (BlockLanes& lanes, const StagePlan& plan) noexcept
+{
+    NodeTicks& t = lanes.ticks;
+    Floats last {};
+
+    for (int i = 0; i < 2; ++i)
+    {
+        stage_plan_sum (plan, t.sources, t.dests, destDelay1 + i);
+        stage_plan_sum (plan, t.sources, t.dests, destFeedback1 + i);
+        const Floats in =
+            t.dests[destDelay1 + i] +
+            feedbackShape (splat (lanes.feedbackOfInputs[2 + i]), t.dests[destFeedback1 + i]);
+        steadyWrite (lanes.delays, i, in);
+        last[i] = in[3];
+    }
+
+    steadyFinish (lanes.delays, last);
+}
+
+/** The tick node by node instead of sample by sample: the same sums in the same order, four samples at a time. What the
+    delays give for the whole tick is known at its head, since they are longer, and so in their order is what the
+    saturators give and the filters, each of which gets through its four samples at once. */
+static StereoTick runNodes (BlockLanes& lanes, const StagePlan& plan, StereoTick in) noexcept
+{
+    NodeTicks& t = lanes.ticks;
+    t.sources[sourceInputL] = in.left;
+    t.sources[sourceInputR] = in.right;
+
+    for (int i = 0; i < 2; ++i)
+    {
+        const Floats out = steadyOutputs (lanes.delays, i);
+        t.sources[sourceDelay1 + i] = delayed (t.delayOut[i], out);
+        t.delayOut[i] = out;
+    }
+
+    if (plan.order == StagePlan::Order::filtersFirst)
+    {
+        runFilters (lanes, plan);
+        runSaturators (lanes, plan);
+    }
+    else
+    {
+        runSaturators (lanes, plan);
+        runFilters (lanes, plan);
+    }
+
+    writeDelays (lanes, plan);
+    stage_plan_sum (plan, t.sources, t.dests, destOutput1);
+    stage_plan_sum (plan, t.sources, t.dests, destOutput2);
+    return { t.dests[destOutput1], t.dests[destOutput2] };
+}
+
+static void takeByNode (BlockLanes& lanes) noexcept
+{
+    if (lanes.isByNode)
+        return;
+
+    NodeTicks& t = lanes.ticks;
+
+    for (int d = 0; d < kNumSignalDests; ++d)
+        t.dests[d] = splat (lanes.dests.lanes[d / 4][d % 4]);
+
+    for (int i = 0; i < 2; ++i)
+    {
+        t.delayOut[i] = splat (lanes.made[i]);
+        t.filterOut[i] = splat (lanes.made[2 + i]);
+    }
+
+    lanes.isByNode = true;
+}
+
+static void takeBySample (BlockLanes& lanes) noexcept
+{
+    if (! lanes.isByNode)
+        return;
+
+    const NodeTicks& t = lanes.ticks;
+
+    for (int d = 0; d < kNumSignalDests; ++d)
+        lanes.dests.lanes[d / 4][d % 4] = t.dests[d][3];
+
+    lanes.made =
+        Floats { t.delayOut[0][3], t.delayOut[1][3], t.filterOut[0][3], t.filterOut[1][3] };
+    lanes.isByNode = false;
+}
+
+// --- either way ------------------------------------------------------------------------------------------------
+
+static StereoTick runTick (BlockLanes& lanes, const SignalMatrix& matrix, StereoTick in,
+                           int count) noexcept
+{
+    const bool isPaired = lanes.delays.canBePaired && headsAreInside (lanes.delays);
+    const bool isSteady = isPaired && count == ControlTick && headsAreSteady (lanes.delays);
+
+    if (isSteady && matrix.stages.order != StagePlan::Order::none)
+    {
+        takeByNode (lanes);
+        return runNodes (lanes, matrix.stages, in);
+    }
+
+    takeBySample (lanes);
+
+    if (isSteady)
+        return runSamples<SteadyHeads> (lanes, matrix, in, ControlTick);
+
+    return isPaired ? runSamples<MovingHeads> (lanes, matrix, in, count)
+                    : runSamples<SingleHeads> (lanes, matrix, in, count);
+}
+
+// --- the block -------------------------------------------------------------------------------------------------
 
 static LfoBlock lfoBlockOf (const VelkorEngine& engine, int numSamples,
                             const Transport& transport) noexcept
@@ -36,253 +304,109 @@ static void setDelayTimes (VelkorEngine& engine, double tempo) noexcept
                         tempo);
 }
 
-// --- per tick ------------------------------------------------------------------------------------------
-
-/** Moves both phases on by their increments. LFO 2 starts over when LFO 1 does, if it is asked to, and once
-    more on the next tick if LFO 1 landed within a sample of its start. */
-static void stepPhases (LfoPlan& plan1, LfoPlan& plan2, bool lfo2Reset, double sampleRate) noexcept
-{
-    const bool lfo1JustStarted = plan1.phase <= 1.0 / sampleRate;
-    const double next1 = plan1.phase + plan1.increment;
-    const bool wraps = next1 > 1.0;
-
-    if (lfo2Reset && (lfo1JustStarted || wraps))
-        plan2.phase = 0.0;
-    else
-        plan2.phase = gen_LFO_reduce (plan2.phase + plan2.increment);
-
-    plan1.phase = wraps ? gen_LFO_reduce (next1) : next1;
-}
-
-static void updateModulation (VelkorEngine& engine, LfoPlan& plan1, LfoPlan& plan2) noexcept
-{
-    stepPhases (plan1, plan2, engine.block.lfo2Reset, engine.sampleRate);
-
-    // The envelope's source was set at the end of the previous tick.
-    float* const sources = engine.modulation.modSources.getRawDataPointer();
-    sources[modSourceLfo1] = gen_LFO_dsp_phasor (engine.lfo1, plan1.phase);
-    sources[modSourceLfo2] = gen_LFO_dsp_phasor (engine.lfo2, plan2.phase);
-    sources[modSourceNote] = engine.midi.noteValue;
-    sources[modSourceGate] = rampTick (engine.gateRamp, engine.midi.gate);
-    sources[modSourceWheel] = engine.midi.modWheel;
-    mod_router_dsp (engine.modulation);
-}
-
-static void setFilter (FilterMultimode& filter, FreqLookup& scale, float position) noexcept
-{
-    float freq = filter.freq;  // stays if there was no memory for the table
-
-    if (scale.table != nullptr)
-    {
-        scale.output = tableLookup (scale.size, scale.table, limitTo (0.0f, 1.0f, position));
-        freq = scale.output;
-    }
-
-    setCoef (filter, freq);
-    setDamp (filter);
-}
-
-static void setSpeed (DelayFad& line, float speed) noexcept
-{
-    line.readRate = limitTo (0.5f, 1.5f, speed);
-    line.writeRate = line.readRate;
-}
-
-static TickValues setTick (VelkorEngine& engine) noexcept
-{
-    const BlockValues& b = engine.block;
-    const float* const dests = engine.modulation.modDests.getRawDataPointer();
-    TickValues tick {};
-
-    tick.level1 = atLeast (0.0f, b.level1 + b.levelMod1 * dests[modDestLevel1]);
-    tick.level2 = atLeast (0.0f, b.level2 + b.levelMod2 * dests[modDestLevel2]);
-    router_panner_1to2_set (engine.panner1,
-                            limitTo (0.0f, 1.0f, b.pan1 + b.panMod1 * dests[modDestPan1]));
-    router_panner_1to2_set (engine.panner2,
-                            limitTo (0.0f, 1.0f, b.pan2 + b.panMod2 * dests[modDestPan2]));
-    setFilter (engine.filter1, engine.freqLookup,
-               b.filterFreqNorm1 + b.filterMod1 * dests[modDestFilter1]);
-    setFilter (engine.filter2, engine.freqLookup,
-               b.filterFreqNorm2 + b.filterMod2 * dests[modDestFilter2]);
-    setSpeed (engine.delay1, b.fine1 + b.delayMod1 * dests[modDestDelay1]);
-    setSpeed (engine.delay2, b.fine2 + b.delayMod2 * dests[modDestDelay2]);
-    gen_LFO_set_rate (engine.lfo1, atLeast (0.01f, b.lfoRate1 + b.lfoMod1 * dests[modDestLfo1]));
-    gen_LFO_set_rate (engine.lfo2, atLeast (0.01f, b.lfoRate2 + b.lfoMod2 * dests[modDestLfo2]));
-    tick.kill = rampTick (engine.killRamp, b.killTarget);
-    return tick;
-}
-
-// --- per sample ----------------------------------------------------------------------------------------
-
-/** A left and a right value. */
-struct StereoSample
-{
-    float left, right;
-};
-
-static StereoSample inputStage (const VelkorEngine& engine, float left, float right) noexcept
-{
-    const BlockValues& b = engine.block;
-    const float l = b.inputGain * left + engine.antiDenormalOffset;
-    const float r = b.inputGain * right + engine.antiDenormalOffset;
-
-    if (! b.mono)
-        return { l, r };
-
-    const float sum = 0.707f * r + 0.707f * l;
-    return { sum, sum };
-}
-
-static StereoSample outputStage (VelkorEngine& engine, const TickValues& tick,
-                                 StereoSample dry) noexcept
+/** Puts the records' state into lanes. */
+static void beginBlock (VelkorEngine& engine, BlockLanes& lanes, const LfoBlock& lfoBlock) noexcept
 {
     const BlockValues& b = engine.block;
     const auto& dests = engine.signal.signalDests;
-    router_panner_1to2_dsp (engine.panner1, dests[destOutput1] * tick.level1);
-    router_panner_1to2_dsp (engine.panner2, dests[destOutput2] * tick.level2);
-    const float wetL = engine.panner1.outL + engine.panner2.outL;
-    const float wetR = engine.panner1.outR + engine.panner2.outR;
-    return { hardClip (b.wetGain * wetL + b.dryGain * dry.left),
-             hardClip (b.wetGain * wetR + b.dryGain * dry.right) };
+    lanes.plan1 = b.lfoSync1 ? gen_LFO_plan_synced (lfoBlock, b.lfoRateNorm1)
+                             : gen_LFO_plan_free (lfoBlock, b.lfoRate1, b.lfoPhase1);
+    lanes.plan2 = b.lfoSync2 ? gen_LFO_plan_synced (lfoBlock, b.lfoRateNorm2)
+                             : gen_LFO_plan_free (lfoBlock, b.lfoRate2, b.lfoPhase2);
+    lanes.filtersRate = 0.0f;
+    lanes.dests = { { load (dests.data()), load (dests.data() + 4), loadPair (dests.data() + 8) } };
+    lanes.feedbackOfInputs = Floats { 0.0f, 0.0f, b.feedback1, b.feedback2 };
+    lanes.satKOfFilters = Floats { 0.0f, 0.0f, b.satK1, b.satK2 };
+    lanes.gains.input = splat (b.inputGain);
+    lanes.gains.phase1 = splat (b.phaseSign1);
+    lanes.gains.phase2 = splat (b.phaseSign2);
+    lanes.gains.wet = splat (b.wetGain);
+    lanes.gains.dry = splat (b.dryGain);
+    beginControls (lanes, b);
+    delay_pair_take (lanes.delays, engine.delay1, engine.delay2);
+    filter_pair_take (lanes.filters, engine.filter1, engine.filter2,
+                      gFilterRenormal.load (std::memory_order_relaxed));
+
+    lanes.made =
+        Floats { engine.delay1.out, engine.delay2.out, engine.filter1.out, engine.filter2.out };
 }
 
-/** One sample through all nodes. The order defines the feedback: whatever crosses the matrix is one sample
-    old, except the inputs. Returns what the envelope's detector adds. */
-static float runSample (VelkorEngine& engine, const TickValues& tick, float renormal, float& left,
-                        float& right) noexcept
+/** Puts the state back into the records; the last tick had count samples. */
+static void endBlock (VelkorEngine& engine, BlockLanes& lanes, int count) noexcept
 {
-    const BlockValues& b = engine.block;
-    auto& sources = engine.signal.signalSources;
-    const auto& dests = engine.signal.signalDests;
+    auto& signal = engine.signal;
 
-    sources[sourceSaturation1] = saturation (b.satK1, dests[destSaturation1]);
-    sources[sourceSaturation2] = saturation (b.satK2, dests[destSaturation2]);
+    for (std::size_t s = 0; s < kNumSignalSources; ++s)
+        signal.signalSources[s] =
+            lanes.isByNode ? lanes.ticks.sources[s][3] : lanes.sources[count - 1][s];
 
-    const StereoSample in = inputStage (engine, left, right);
-    sources[sourceInputL] = b.phaseSign1 * (tick.kill * in.left);
-    sources[sourceInputR] = b.phaseSign2 * (tick.kill * in.right);
-    sources[sourceDelay1] = engine.delay1.out;
-    sources[sourceDelay2] = engine.delay2.out;
-    sources[sourceFilter1] = engine.filter1.out;
-    sources[sourceFilter2] = engine.filter2.out;
+    takeBySample (lanes);
+    store (signal.signalDests.data(), lanes.dests.lanes[0]);
+    store (signal.signalDests.data() + 4, lanes.dests.lanes[1]);
+    storePair (signal.signalDests.data() + 8, lanes.dests.lanes[2]);
 
-    signal_matrix_dsp (engine.signal);
-
-    delay_fad_dsp (engine.delay1,
-                   dests[destDelay1] + feedbackShape (b.feedback1, dests[destFeedback1]));
-    delay_fad_dsp (engine.delay2,
-                   dests[destDelay2] + feedbackShape (b.feedback2, dests[destFeedback2]));
-    filter_multimode_dsp_morph (engine.filter1, dests[destFilter1], renormal);
-    filter_multimode_dsp_morph (engine.filter2, dests[destFilter2], -renormal);
-
-    const StereoSample out = outputStage (engine, tick, in);
-    left =
-        out.left;  // in this order: on one channel both are the same memory, and the right side stays
-    right = out.right;
-    return std::abs (in.right) + std::abs (in.left);
+    engine.delay1.out = lanes.made[0];
+    engine.delay2.out = lanes.made[1];
+    engine.filter1.out = lanes.made[2];
+    engine.filter2.out = lanes.made[3];
+    delay_pair_give_back (lanes.delays);
+    filter_pair_give_back (lanes.filters, engine.filter1, engine.filter2);
+    router_panner_1to2_dsp (engine.panner1, lanes.dests.lanes[2][0] * lanes.gains.level1[0]);
+    router_panner_1to2_dsp (engine.panner2, lanes.dests.lanes[2][1] * lanes.gains.level2[0]);
+    engine.block.lfoPhase1 = lanes.plan1.phase;
+    engine.block.lfoPhase2 = lanes.plan2.phase;
 }
 
-// --- numbers that are not finite ---------------------------------------------------------------------------
-
-/** Whether all n values are finite. Written on the bits so that the compiler makes vector code of it. */
-static bool allFinite (const float* values, int n) noexcept
+/** One tick of count samples, in place; returns which of its results are not finite, as a mask. */
+static Ints tickInPlace (VelkorEngine& engine, BlockLanes& lanes, float* left, float* right,
+                         int count) noexcept
 {
-    constexpr std::uint32_t kExponent = 0x7f800000u;
-    std::uint32_t found = 0;
+    engine.antiDenormalOffset = -engine.antiDenormalOffset;
+    setTick (engine, lanes);
+    const float kill = rampTick (engine.killRamp, engine.block.killTarget);
 
-    for (int i = 0; i < n; ++i)
-        found |= static_cast<std::uint32_t> (
-            (std::bit_cast<std::uint32_t> (values[i]) & kExponent) == kExponent);
+    const juce::SpinLock::ScopedLockType lock (engine.signal.connectionLock);
+    const StereoTick in { finiteOrZero (loadSome (left, count)),
+                          finiteOrZero (loadSome (right, count)) };
+    const StereoTick dry = inputStage (engine, lanes.gains, in);
+    const StereoTick wet =
+        runTick (lanes, engine.signal, matrixInput (lanes.gains, kill, dry), count);
 
-    return found == 0;
+    // On one channel both are the same memory, and the right side stays.
+    const StereoTick out = outputStage (lanes.gains, wet.left, wet.right, dry);
+    storeSome (left, out.left, count);
+    storeSome (right, out.right, count);
+
+    engine.modulation.modSources.getRawDataPointer()[modSourceEnvelope] =
+        envelope_follower_dsp (engine.envelope, detect (dry, count)) * engine.block.envSensitivity;
+    return ~(isFinite (out.left) & isFinite (out.right));
 }
-
-static void silenceNonFinite (float* values, int n) noexcept
-{
-    if (! allFinite (values, n))
-        std::replace_if (
-            values, values + n, [] (float x) { return ! std::isfinite (x); }, 0.0f);
-}
-
-static bool signalStateIsFinite (const VelkorEngine& engine) noexcept
-{
-    // A sum is finite only if every term is: infinities and NaNs survive it. Doubles, so that it can't
-    // overflow by itself.
-    double sum = static_cast<double> (engine.envelope.envState);
-
-    for (const auto* line : { &engine.delay1, &engine.delay2 })
-        sum += static_cast<double> (line->out) + static_cast<double> (line->lastIn);
-
-    for (const auto* filter : { &engine.filter1, &engine.filter2 })
-        sum += filter->low * 0.0 + filter->high * 0.0 + filter->band * 0.0 + filter->notch * 0.0 +
-               static_cast<double> (filter->out);
-
-    for (const float value : engine.signal.signalSources)
-        sum += static_cast<double> (value);
-
-    for (const float value : engine.signal.signalDests)
-        sum += static_cast<double> (value);
-
-    return std::isfinite (sum);
-}
-
-/** Brings an instance back whose patch has run away, so that it sounds again once the patch allows it. */
-static void recover (VelkorEngine& engine) noexcept
-{
-    engine_clear (engine);
-
-    for (auto* line : { &engine.delay1, &engine.delay2 })
-    {
-        silenceNonFinite (&line->out, 1);
-        silenceNonFinite (&line->lastIn, 1);
-    }
-
-    silenceNonFinite (engine.modulation.modSources.getRawDataPointer(), kNumModSources);
-}
-
-// --- the block -------------------------------------------------------------------------------------------------
 
 void engine_dsp_block (VelkorEngine& engine, float* left, float* right, int numSamples,
                        const Transport& transport) noexcept
 {
-    silenceNonFinite (left, numSamples);
-    silenceNonFinite (right, numSamples);
+    if (numSamples < 1)
+        return;
 
-    BlockValues& b = engine.block;
-    const LfoBlock lfoBlock = lfoBlockOf (engine, numSamples, transport);
     setDelayTimes (engine, transport.tempo);
-    LfoPlan plan1 = b.lfoSync1 ? gen_LFO_plan_synced (lfoBlock, b.lfoRateNorm1)
-                               : gen_LFO_plan_free (lfoBlock, b.lfoRate1, b.lfoPhase1);
-    LfoPlan plan2 = b.lfoSync2 ? gen_LFO_plan_synced (lfoBlock, b.lfoRateNorm2)
-                               : gen_LFO_plan_free (lfoBlock, b.lfoRate2, b.lfoPhase2);
 
-    const float renormal = gFilterRenormal.load (std::memory_order_relaxed);
+    BlockLanes lanes;
+    beginBlock (engine, lanes, lfoBlockOf (engine, numSamples, transport));
+    Ints notFinite {};
+    int count = 0;
 
     for (int start = 0; start < numSamples; start += ControlTick)
     {
-        const int end = std::min (start + ControlTick, numSamples);
-        engine.antiDenormalOffset = -engine.antiDenormalOffset;
-        updateModulation (engine, plan1, plan2);
-        const TickValues tick = setTick (engine);
-
-        const juce::SpinLock::ScopedLockType lock (engine.signal.connectionLock);
-        float detected = 0.0f;
-
-        for (int n = start; n < end; ++n)
-            detected += runSample (engine, tick, renormal, left[n], right[n]);
-
-        engine.modulation.modSources.getRawDataPointer()[modSourceEnvelope] =
-            envelope_follower_dsp (engine.envelope, detected) * b.envSensitivity;
+        count = std::min (ControlTick, numSamples - start);
+        notFinite |= tickInPlace (engine, lanes, left + start, right + start, count);
     }
 
-    b.lfoPhase1 = plan1.phase;
-    b.lfoPhase2 = plan2.phase;
+    endBlock (engine, lanes, count);
 
-    if (! (allFinite (left, numSamples) && allFinite (right, numSamples) &&
-           signalStateIsFinite (engine)))
+    if (any (notFinite) || ! signalStateIsFinite (engine))
     {
         silenceNonFinite (left, numSamples);
         silenceNonFinite (right, numSamples);
-        recover (engine);
+        recoverFromRunaway (engine);
     }
 }

@@ -80,6 +80,23 @@ void filter_multimode_clear (FilterMultimode& filter) noexcept
     filter.damp = 0.0;
 }
 
+void filter_multimode_dsp_morph (FilterMultimode& filter, float in, float renormal) noexcept
+{
+    const MorphSettings<double> set { filter.coef,
+                                      filter.damp,
+                                      static_cast<double> (filter.lowMix),
+                                      static_cast<double> (filter.highMix),
+                                      static_cast<double> (filter.bandMix),
+                                      static_cast<double> (filter.notchMix) };
+    MorphState<double> state { filter.low, filter.high, filter.band, filter.notch };
+    const auto x = static_cast<double> ((in + renormal) * 0.5f);
+    filter.out = static_cast<float> (morph (set, state, x, static_cast<double> (-renormal)));
+    filter.low = state.low;
+    filter.high = state.high;
+    filter.band = state.band;
+    filter.notch = state.notch;
+}
+
 void filter_multimode_dsp_morph (FilterMultimode& filter, float in) noexcept
 {
     const float renormal = gFilterRenormal.load (std::memory_order_relaxed);

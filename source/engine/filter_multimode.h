@@ -53,43 +53,50 @@ void filter_multimode_connect (FilterMultimode& filter, bool isConnected) noexce
     while no block runs. */
 void filter_multimode_clear (FilterMultimode& filter) noexcept;
 
-/** One sample; the result is in filter.out. renormal is a tiny offset against denormal numbers: its value
-    before this call, which uses both signs of it. Audio thread, lock-free.
-
-    The second pass gets no input, and both passes count at full weight. The limiter y / (1 + 0.28 y²) peaks
-    near 0.945 and falls beyond; it bounds the output, not the state. */
-inline void filter_multimode_dsp_morph (FilterMultimode& filter, float in, float renormal) noexcept
+/** What the sample loop needs of one filter (Real is double) or of a pair, side by side (Doubles). */
+template <typename Real>
+struct MorphSettings
 {
-    const double coef = filter.coef;
-    const double damp = filter.damp;
-    const double band = filter.band;
-    const auto x = static_cast<double> ((in + renormal) * 0.5f);
-    const auto flipped = static_cast<double> (-renormal);
+    Real coef, damp;
+    Real lowMix, highMix, bandMix, notchMix;
+};
 
-    const double low1 = (coef * band + flipped) + filter.low;
-    const double notch1 = x - damp * band;
-    const double high1 = notch1 - low1;
-    const double band1 = coef * high1 + band;
+/** The signal state that goes with it. */
+template <typename Real>
+struct MorphState
+{
+    Real low, high, band, notch;
+};
 
-    const double notch2 = 0.0 - damp * band1;
-    const double low2 = coef * band1 + low1;
-    const double high2 = notch2 - low2;
-    const double band2 = coef * high2 + band1;
+/** One sample x through both passes, the second of which gets no input; both count at full weight. The limiter
+    y / (1 + 0.28 y²) peaks near 0.945 and falls beyond; it bounds the output, not the state. offset is a tiny value
+    against denormal numbers, of the sign that the sample's own is not. Audio thread, lock-free. */
+template <typename Real>
+inline Real morph (const MorphSettings<Real>& set, MorphState<Real>& state, Real x,
+                   Real offset) noexcept
+{
+    const Real low1 = (set.coef * state.band + offset) + state.low;
+    const Real notch1 = x - set.damp * state.band;
+    const Real high1 = notch1 - low1;
+    const Real band1 = set.coef * high1 + state.band;
 
-    filter.low = low2;
-    filter.high = high2;
-    filter.band = band2;
-    filter.notch = notch2;
+    const Real notch2 = 0.0 - set.damp * band1;
+    const Real low2 = set.coef * band1 + low1;
+    const Real high2 = notch2 - low2;
+    const Real band2 = set.coef * high2 + band1;
+    state = { low2, high2, band2, notch2 };
 
-    const auto lowMix = static_cast<double> (filter.lowMix);
-    const auto bandMix = static_cast<double> (filter.bandMix);
-    const auto highMix = static_cast<double> (filter.highMix);
-    const auto notchMix = static_cast<double> (filter.notchMix);
-    const double first = lowMix * low1 + bandMix * band1 + highMix * high1 + notchMix * notch1;
-    const double second = lowMix * low2 + bandMix * band2 + highMix * high2 + notchMix * notch2;
-    const double y = first + second;
-    filter.out = static_cast<float> (y / (1.0 + 0.28 * y * y));
+    const Real first =
+        set.lowMix * low1 + set.bandMix * band1 + set.highMix * high1 + set.notchMix * notch1;
+    const Real second =
+        set.lowMix * low2 + set.bandMix * band2 + set.highMix * high2 + set.notchMix * notch2;
+    const Real y = first + second;
+    return y / (1.0 + 0.28 * y * y);
 }
+
+/** One sample of a filter by itself; the result is in filter.out. renormal is the offset against denormal numbers
+    before this call, which uses both signs of it. Any thread that has the filter to itself; lock-free. */
+void filter_multimode_dsp_morph (FilterMultimode& filter, float in, float renormal) noexcept;
 
 /** The offset that the next call on any filter of the process starts from; its sign flips at every call.
 

@@ -15,9 +15,3 @@ constexpr Number atLeast (Number low, Number x) noexcept
 {
     return x > low ? x : low;
 }
-
-/** The final clip to -1..1. Unlike limitTo it lets a NaN through: the end of the block looks for it. */
-constexpr float hardClip (float x) noexcept
-{
-    return x > 1.0f ? 1.0f : (x < -1.0f ? -1.0f : x);
-}

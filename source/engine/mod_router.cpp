@@ -80,6 +80,17 @@ static std::size_t gridIndex (int source, int dest) noexcept
     return static_cast<std::size_t> (kNumModDests * source + dest);
 }
 
+static void compile (RoutingPlan& plan, const zb::ModRouterCore& router) noexcept
+{
+    std::array<RoutingEntry, kNumModSources * kNumModDests> entries;
+    std::size_t count = 0;
+
+    for (const auto* route : router.routes)
+        entries[count++] = { route->source, route->dest, route->gain };
+
+    routing_plan_compile (plan, std::span (entries).first (count));
+}
+
 void mod_router_set (ModMatrix& matrix, int source, int dest, bool on)
 {
     const juce::SpinLock::ScopedLockType lock (matrix.modLock);
@@ -93,6 +104,8 @@ void mod_router_set (ModMatrix& matrix, int source, int dest, bool on)
         matrix.router.setGain (source, dest, 1.0f);
     else
         matrix.router.remove (source, dest);
+
+    compile (matrix.plan, matrix.router);
 }
 
 void mod_router_replace (ModMatrix& matrix, std::span<const ModPair> pairs)
@@ -107,8 +120,12 @@ void mod_router_replace (ModMatrix& matrix, std::span<const ModPair> pairs)
             router.setGain (source, dest, 1.0f);
         }
 
+    RoutingPlan plan;
+    compile (plan, router);
+
     const juce::SpinLock::ScopedLockType lock (matrix.modLock);
     matrix.router.swapRoutes (router);
+    routing_plan_copy (matrix.plan, plan);
 
     for (std::size_t i = 0; i < grid.size(); ++i)
         matrix.modGrid[i].store (grid[i], std::memory_order_relaxed);
@@ -120,16 +137,15 @@ bool mod_router_get (const ModMatrix& matrix, int source, int dest) noexcept
            matrix.modGrid[gridIndex (source, dest)].load (std::memory_order_relaxed);
 }
 
-void mod_router_dsp (ModMatrix& matrix) noexcept
+bool mod_router_dsp (ModMatrix& matrix) noexcept
 {
     const juce::SpinLock::ScopedLockType lock (matrix.modLock);
+    DestLanes sums;
+    routing_plan_run<true> (matrix.plan, matrix.modSources.getRawDataPointer(), sums);
+
     float* const dests = matrix.modDests.getRawDataPointer();
-    const float* const sources = matrix.modSources.getRawDataPointer();
-
-    for (int d = 0; d < kNumModDests; ++d)
-        dests[d] = 0.0f;
-
-    for (const auto* route : matrix.router.routes)
-        dests[route->dest] +=
-            sources[route->source] * route->gain;  // both in range: mod_router_set sees to it
+    store (dests, sums.lanes[0]);
+    store (dests + 4, sums.lanes[1]);
+    storePair (dests + 8, sums.lanes[2]);
+    return matrix.plan.numSteps != 0;
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "engine/routing_plan.h"
+
 #include <juce_core/juce_core.h>
 
 #include <array>
@@ -88,6 +90,9 @@ struct ModMatrix
     /** The flag of source s and destination d at 10 s + d. Read without modLock; the audio thread never looks. */
     std::array<std::atomic<bool>, kNumModSources * kNumModDests> modGrid {};
 
+    RoutingPlan
+        plan;  ///< the routes as the audio thread runs them, compiled at every change of theirs
+
     ModMatrix();
 };
 
@@ -110,6 +115,6 @@ void mod_router_replace (ModMatrix& matrix, std::span<const ModPair> pairs);
 /** Whether source is routed to dest; false out of range. Any thread, lock-free. */
 bool mod_router_get (const ModMatrix& matrix, int source, int dest) noexcept;
 
-/** Sums the sources into the destinations, in the order of the list. Audio thread, once per tick; takes
-    modLock. */
-void mod_router_dsp (ModMatrix& matrix) noexcept;
+/** Sums the sources into the destinations, in the order of the list. Returns whether there is any route. Audio
+    thread, once per tick; takes modLock. */
+bool mod_router_dsp (ModMatrix& matrix) noexcept;

@@ -34,7 +34,7 @@ bool signal_matrix_has_source (const SignalMatrix& matrix, int destination) noex
     return false;
 }
 
-MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination, bool on) noexcept
+static MatrixEdit editList (SignalMatrix& matrix, int source, int destination, bool on) noexcept
 {
     if (! isInRange (source, destination))
         return MatrixEdit::unchanged;
@@ -65,11 +65,40 @@ MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination
                                                           : MatrixEdit::lastConnectionGone;
 }
 
+static void compile (SignalMatrix& matrix) noexcept
+{
+    std::array<RoutingEntry, kMaxConnections> entries;
+    const auto count = static_cast<std::size_t> (matrix.connectionCount);
+
+    for (std::size_t i = 0; i < count; ++i)
+        entries[i] = { matrix.connSource[i], matrix.connDest[i], 1.0f };
+
+    routing_plan_compile (matrix.plan, std::span (entries).first (count));
+    stage_plan_compile (matrix.stages, std::span (entries).first (count));
+}
+
+MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination, bool on) noexcept
+{
+    const MatrixEdit edit = editList (matrix, source, destination, on);
+    compile (matrix);
+    return edit;
+}
+
+void signal_matrix_fill (SignalMatrix& matrix, std::span<const SignalPair> pairs) noexcept
+{
+    for (const auto& pair : pairs)
+        editList (matrix, pair.source, pair.destination, true);
+
+    compile (matrix);
+}
+
 void signal_matrix_take (SignalMatrix& matrix, const SignalMatrix& other) noexcept
 {
     matrix.connSource = other.connSource;
     matrix.connDest = other.connDest;
     matrix.connectionCount = other.connectionCount;
+    routing_plan_copy (matrix.plan, other.plan);
+    matrix.stages = other.stages;
 
     for (std::size_t i = 0; i < matrix.connected.size(); ++i)
         matrix.connected[i].store (other.connected[i].load (std::memory_order_relaxed),

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "engine/routing_plan.h"
+#include "engine/stage_plan.h"
+
 #include <juce_core/juce_core.h>
 
 #include <array>
@@ -54,6 +57,9 @@ struct SignalMatrix
 
     /** The flag of source s and destination d at s + 8 d. */
     std::array<std::atomic<bool>, kMaxConnections> connected {};
+
+    RoutingPlan plan;  ///< the list as the audio thread runs it, compiled at every change of it
+    StagePlan stages;  ///< the same, for ticks that are run node by node
 };
 
 /** What an edit of the list did to its destination. */
@@ -76,7 +82,11 @@ struct SignalPair
     std::int32_t destination = 0;
 };
 
-/** Puts another matrix's list and flags in the place of this one's; the node values stay. Copies of fixed
+/** Makes the given connections in a new matrix that no other thread knows yet, in their order; pairs out of range
+    and repeated ones are left out. */
+void signal_matrix_fill (SignalMatrix& matrix, std::span<const SignalPair> pairs) noexcept;
+
+/** Puts another matrix's list, flags and plan in the place of this one's; the node values stay. Copies of bounded
     length and no more: the audio thread may be waiting. Caller holds connectionLock of matrix. */
 void signal_matrix_take (SignalMatrix& matrix, const SignalMatrix& other) noexcept;
 
@@ -86,16 +96,10 @@ bool signal_matrix_has_source (const SignalMatrix& matrix, int destination) noex
 /** Whether source is connected to destination; false out of range. Any thread, lock-free. */
 bool signal_matrix_get (const SignalMatrix& matrix, int source, int destination) noexcept;
 
-/** One sample: sums the sources of each connected destination, unscaled, in the order of the list. Audio
-    thread; caller holds connectionLock. */
-inline void signal_matrix_dsp (SignalMatrix& matrix) noexcept
+/** One sample: sums the sources of each connected destination, unscaled, in the order of the list. Audio thread;
+    caller holds connectionLock. */
+inline void signal_matrix_dsp (const SignalMatrix& matrix, const float* sources,
+                               DestLanes& dests) noexcept
 {
-    const auto count = static_cast<std::size_t> (matrix.connectionCount);
-
-    for (std::size_t i = 0; i < count; ++i)
-        matrix.signalDests[static_cast<std::size_t> (matrix.connDest[i])] = 0.0f;
-
-    for (std::size_t i = 0; i < count; ++i)
-        matrix.signalDests[static_cast<std::size_t> (matrix.connDest[i])] +=
-            matrix.signalSources[static_cast<std::size_t> (matrix.connSource[i])];
+    routing_plan_run<false> (matrix.plan, sources, dests);
 }

@@ -3,8 +3,24 @@
 #include "engine/engine_globals.h"
 #include "engine/saturation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
+
+namespace
+{
+
+float saturationOf (float k, float x)
+{
+    return saturation (splat (k), splat (x))[0];
+}
+
+float valueAt (const DestLanes& dests, int destination)
+{
+    return dests.lanes[destination / 4][destination % 4];
+}
+
+}  // namespace
 
 TEST (EnvelopeFollower, DecaysToOneOverEInTwiceTheTimeItWasGiven)
 {
@@ -109,13 +125,13 @@ TEST (RouterPanner, SharesTheSignalWithConstantSumAndMinusSixInTheMiddle)
 
 TEST (Saturation, IsExactUnityAtZeroAndBendsTowardsItsCeiling)
 {
-    EXPECT_EQ (saturation (saturationConstant (0.0f), 0.7310586f), 0.7310586f);
+    EXPECT_EQ (saturationOf (saturationConstant (0.0f), 0.7310586f), 0.7310586f);
     EXPECT_EQ (saturationConstant (1.0f), saturationConstant (0.99f));
     const float k = saturationConstant (0.5f);
     EXPECT_FLOAT_EQ (k, 2.0f);
-    EXPECT_FLOAT_EQ (saturation (k, 1.0f), 1.0f);
-    EXPECT_FLOAT_EQ (saturation (k, -0.25f), -0.5f);
-    EXPECT_NEAR (saturation (k, 1.0e6f), 1.5f, 1e-4f);
+    EXPECT_FLOAT_EQ (saturationOf (k, 1.0f), 1.0f);
+    EXPECT_FLOAT_EQ (saturationOf (k, -0.25f), -0.5f);
+    EXPECT_NEAR (saturationOf (k, 1.0e6f), 1.5f, 1e-4f);
 }
 
 TEST (SignalMatrix, RemovingTheLastSourceLeavesItsValueStanding)
@@ -126,17 +142,19 @@ TEST (SignalMatrix, RemovingTheLastSourceLeavesItsValueStanding)
     engine_set_connection (engine, sourceFilter1, destOutput1, true);
     EXPECT_EQ (matrix.connectionCount, 7) << "six from the start, and a pair counts once";
 
-    matrix.signalSources[sourceFilter1] = 0.25f;
-    matrix.signalSources[sourceDelay1] = 0.5f;
-    signal_matrix_dsp (matrix);
-    EXPECT_EQ (matrix.signalDests[destOutput1], 0.75f) << "full level, whatever meets";
+    float sources[kNumSignalSources] {};
+    DestLanes dests;
+    sources[sourceFilter1] = 0.25f;
+    sources[sourceDelay1] = 0.5f;
+    signal_matrix_dsp (matrix, sources, dests);
+    EXPECT_EQ (valueAt (dests, destOutput1), 0.75f) << "full level, whatever meets";
 
     engine_set_connection (engine, sourceDelay1, destOutput1, false);
     engine_set_connection (engine, sourceFilter1, destOutput1, false);
-    matrix.signalSources.fill (0.0f);
-    signal_matrix_dsp (matrix);
-    EXPECT_EQ (matrix.signalDests[destOutput1], 0.75f);
-    EXPECT_EQ (matrix.signalDests[destDelay1], 0.0f);
+    std::ranges::fill (sources, 0.0f);
+    signal_matrix_dsp (matrix, sources, dests);
+    EXPECT_EQ (valueAt (dests, destOutput1), 0.75f);
+    EXPECT_EQ (valueAt (dests, destDelay1), 0.0f);
 
     engine_set_connection (engine, 8, 0, true);
     engine_set_connection (engine, 0, 10, true);
