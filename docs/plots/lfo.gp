@@ -21,5 +21,6 @@ do for [i = 1:4] {
     plot data index wave." 10" with lines linestyle 2 title "10%", \
          data index wave." 50" with lines linestyle 1 title "50%", \
          data index wave." 90" with lines linestyle 3 title "90%"
+    unset label
 }
 unset multiplot
