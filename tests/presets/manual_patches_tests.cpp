@@ -72,7 +72,7 @@ TEST (ManualPatches, DarkerEveryTimeLosesItsTopFromRepeatToRepeat)
         const auto from = [repeat] (int later) { return 0.42 * (repeat + later) - 0.08; };
         const auto to = [repeat] (int later) { return 0.42 * (repeat + later) + 0.2; };
         EXPECT_LT (brightness (out.left, from (1), to (1)),
-                   brightness (out.left, from (0), to (0)) - 1.5);
+                   brightness (out.left, from (0), to (0)) - 2.2);
         EXPECT_GT (decibels (rms (out.left, from (1), to (1)) / rms (out.left, from (0), to (0))),
                    -8.0)
             << "but goes on";
