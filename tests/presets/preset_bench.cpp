@@ -292,12 +292,17 @@ juce::Optional<juce::AudioPlayHead::PositionInfo> RunningPlayHead::getPosition()
 }
 
 PresetBench::PresetBench (int number, double tempo)
+    : PresetBench (factoryFiles().at (static_cast<std::size_t> (number)), tempo)
+{
+}
+
+PresetBench::PresetBench (const juce::File& preset, double tempo)
 {
     playHead.tempo = tempo;
     processor.setPlayHead (&playHead);
     processor.setPlayConfigDetails (2, 2, kRate, kBlock);
     processor.prepareToPlay (kRate, kBlock);
-    load (number);
+    load (preset);
 }
 
 PresetBench::~PresetBench()
@@ -307,11 +312,15 @@ PresetBench::~PresetBench()
 
 void PresetBench::load (int number)
 {
-    const auto files = factoryFiles();
-    const auto document = juce::parseXML (files.at (static_cast<std::size_t> (number)));
+    load (factoryFiles().at (static_cast<std::size_t> (number)));
+}
+
+void PresetBench::load (const juce::File& preset)
+{
+    const auto document = juce::parseXML (preset);
 
     if (document == nullptr)
-        FAIL() << "preset " << number << " is no XML";
+        FAIL() << preset.getFileName() << " is no XML";
 
     processor.loadStateFromXML (document.get());
 }

@@ -77,15 +77,17 @@ public:
     std::int64_t frame = 0;  ///< since the start
 };
 
-/** An instance of the plug-in with a factory preset in it, as the repository ships it. Message thread. */
+/** An instance of the plug-in with a preset in it, as the repository ships it. Message thread. */
 class PresetBench
 {
 public:
     explicit PresetBench (int number, double tempo = 120.0);
+    explicit PresetBench (const juce::File& preset, double tempo = 120.0);
     ~PresetBench();
 
-    /** Loads another factory preset, over what is playing. */
+    /** Loads another factory preset, or any other, over what is playing. */
     void load (int number);
+    void load (const juce::File& preset);
 
     /** Sets a parameter in its own unit, by its id. */
     void set (const char* id, float value);
