@@ -162,7 +162,7 @@ static void modulationRouter (benchmark::State& state)
                [&matrix] (float x)
                {
                    matrix.modSources.getReference (modSourceLfo1) = x;
-                   mod_router_dsp (matrix);
+                   mod_router_dsp (matrix, true);
                });
 }
 
@@ -266,7 +266,11 @@ static void bindParameters (benchmark::State& state)
     const VelkorAudioProcessor processor;
     timeCalls (state, "ns/block",
                [&processor] (float)
-               { bindSnapshot (readSnapshot (processor.paramValues), *processor.engine); });
+               {
+                   // As if all had changed: the dearest block.
+                   ParamSnapshot bound = noSnapshot();
+                   bindSnapshot (readSnapshot (processor.paramValues), bound, *processor.engine);
+               });
 }
 
 BENCHMARK (bindParameters);

@@ -102,7 +102,7 @@ static void constructLater (benchmark::State& state)
 /** Watches a lock from another thread, at a look every few dozen nanoseconds, and notes how long it stays
     taken. What the system does to the thread that holds it is part of that, as it would be for the audio
     thread. */
-static std::vector<double> watchHolds (const juce::SpinLock& lock, const std::atomic<bool>& stop)
+static std::vector<double> watchHolds (const TickLock& lock, const std::atomic<bool>& stop)
 {
     std::vector<double> holds;
 

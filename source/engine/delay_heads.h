@@ -236,20 +236,22 @@ private:
         line.written[static_cast<std::uint32_t> (slot) >> line.markShift] = true;
     }
 
-    /** The second slot of those lines that cross two, and the third of those that cross three. */
-    void writeMore (Ints count, Ints slot, Floats change, Floats share) noexcept
+    /** The second slot of those lines that cross two or three, and the third of those. */
+    void writeMore (Ints count, Ints first, Floats change, Floats share) noexcept
     {
-        Floats a = share;
+        const Ints second = beside (first);
+        const Ints third = beside (second);
+        const Floats twice = share + share;
+        const Floats ofSecond = change * twice + pair.lastIn;
+        const Floats ofThird = change * (twice + share) + pair.lastIn;
 
-        for (int k = 2; k <= 3; ++k)
+        for (int i = 0; i < 2; ++i)
         {
-            slot = beside (slot);
-            a += share;
-            const Floats values = change * a + pair.lastIn;
+            if (count[i + 2] > 1)
+                writeSlot (i, second[i + 2], ofSecond[i]);
 
-            for (int i = 0; i < 2; ++i)
-                if (count[i + 2] >= k)
-                    writeSlot (i, slot[i + 2], values[i]);
+            if (count[i + 2] > 2) [[unlikely]]
+                writeSlot (i, third[i + 2], ofThird[i]);
         }
     }
 

@@ -93,7 +93,7 @@ void engine_clear (VelkorEngine& engine) noexcept
 
 void engine_set_connection (VelkorEngine& engine, int source, int destination, bool on) noexcept
 {
-    const juce::SpinLock::ScopedLockType lock (engine.signal.connectionLock);
+    const TickLock::ScopedLockType lock (engine.signal.connectionLock);
     const MatrixEdit edit = signal_matrix_edit (engine.signal, source, destination, on);
 
     if (edit == MatrixEdit::unchanged)
@@ -109,7 +109,7 @@ void engine_replace_connections (VelkorEngine& engine, std::span<const SignalPai
 
     signal_matrix_fill (fresh, pairs);
 
-    const juce::SpinLock::ScopedLockType lock (engine.signal.connectionLock);
+    const TickLock::ScopedLockType lock (engine.signal.connectionLock);
     signal_matrix_take (engine.signal, fresh);
 
     for (const int destination : { destFilter1, destFilter2 })

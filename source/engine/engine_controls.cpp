@@ -64,7 +64,7 @@ static bool updateModulation (VelkorEngine& engine, BlockLanes& lanes) noexcept
     sources[modSourceNote] = engine.midi.noteValue;
     sources[modSourceGate] = rampTick (engine.gateRamp, engine.midi.gate);
     sources[modSourceWheel] = engine.midi.modWheel;
-    return mod_router_dsp (engine.modulation);
+    return mod_router_dsp (engine.modulation, lanes.wasModulated);
 }
 
 /** Brings one vector of controls up to date with the modulation that reaches it. Returns which lanes changed, lane 0

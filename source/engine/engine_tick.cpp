@@ -365,7 +365,7 @@ static Ints tickInPlace (VelkorEngine& engine, BlockLanes& lanes, float* left, f
     setTick (engine, lanes);
     const float kill = rampTick (engine.killRamp, engine.block.killTarget);
 
-    const juce::SpinLock::ScopedLockType lock (engine.signal.connectionLock);
+    const TickLock::ScopedLockType lock (engine.signal.connectionLock);
     const StereoTick in { finiteOrZero (loadSome (left, count)),
                           finiteOrZero (loadSome (right, count)) };
     const StereoTick dry = inputStage (engine, lanes.gains, in);
@@ -382,8 +382,8 @@ static Ints tickInPlace (VelkorEngine& engine, BlockLanes& lanes, float* left, f
     return ~(isFinite (out.left) & isFinite (out.right));
 }
 
-void engine_dsp_block (VelkorEngine& engine, float* left, float* right, int numSamples,
-                       const Transport& transport) noexcept
+VELKOR_SAMPLE_LOOP void engine_dsp_block (VelkorEngine& engine, float* left, float* right,
+                                          int numSamples, const Transport& transport) noexcept
 {
     if (numSamples < 1)
         return;

@@ -5,24 +5,32 @@
 
 #include <cmath>
 
-static float coefOf (float seconds) noexcept
+static float coefOf (float seconds, float rate) noexcept
 {
-    const float samples = seconds * loadRelaxed (gAudioSamplingRate);
+    const float samples = seconds * rate;
     return static_cast<float> (std::exp (-1.0 / static_cast<double> (samples)));
 }
 
 void envelope_follower_set_times (EnvelopeFollower& env, float attackSeconds,
                                   float decaySeconds) noexcept
 {
-    env.attackTime = attackSeconds * 0.5f;
-    env.decayTime = decaySeconds * 0.5f;
+    const float attack = attackSeconds * 0.5f;
+    const float decay = decaySeconds * 0.5f;
+
+    if (attack == env.attackTime && decay == env.decayTime &&
+        env.coefRate == loadRelaxed (gAudioSamplingRate))
+        return;
+
+    env.attackTime = attack;
+    env.decayTime = decay;
     envelope_follower_set_rate (env);
 }
 
 void envelope_follower_set_rate (EnvelopeFollower& env) noexcept
 {
-    env.attackCoef = coefOf (env.attackTime);
-    env.decayCoef = coefOf (env.decayTime);
+    env.coefRate = loadRelaxed (gAudioSamplingRate);
+    env.attackCoef = coefOf (env.attackTime, env.coefRate);
+    env.decayCoef = coefOf (env.decayTime, env.coefRate);
     env.attackCoefInverse = 1.0f - env.attackCoef;
     env.decayCoefInverse = 1.0f - env.decayCoef;
 }

@@ -14,9 +14,11 @@ struct EnvelopeFollower
     float decayCoefInverse = 1.0f;   ///< 1 - decayCoef; kept up to date, not used
     float envState = 0.0f;           ///< the output; 8 at full level on both channels
     float envInput = 0.0f;           ///< the latest detector value
+    float coefRate = 0.0f;  ///< sample rate that the coefficients are for, Hz; 0 before the first
 };
 
-/** Takes attack and decay parameters in seconds and recomputes the coefficients. Audio thread, per block. */
+/** Takes attack and decay parameters in seconds; recomputes the coefficients if these or the global sample rate are
+    new. Audio thread, per block. */
 void envelope_follower_set_times (EnvelopeFollower& env, float attackSeconds,
                                   float decaySeconds) noexcept;
 

@@ -34,9 +34,13 @@ void setDamp (FilterMultimode& filter) noexcept
 
 void filter_multimode_set_response (FilterMultimode& filter, float reso, float mode) noexcept
 {
-    filter.reso = reso;
-    filter.q = static_cast<double> (reso) * 0.1;
-    filter.resoDamp = 2.0 * (1.0 - std::pow (filter.q, 0.25));
+    if (reso != filter.reso)
+    {
+        filter.reso = reso;
+        filter.q = static_cast<double> (reso) * 0.1;
+        filter.resoDamp = 2.0 * (1.0 - std::pow (filter.q, 0.25));
+    }
+
     setDamp (filter);
 
     const float m = mode;

@@ -12,6 +12,16 @@
 // machine): + - * / & | ^ and comparisons work lane by lane and round as they do on single values. Node 1 of a
 // pair has the first lane, node 2 the second. Comparisons give masks: all bits set where they hold.
 
+// A function of the sample loop is compiled for AVX2 as well, and the loader takes what the processor has: the same
+// operations on the same four lanes, so the same bits, in a fifth fewer instructions. The sanitizers' builds have one
+// form only, the plain one, as other systems have.
+#if defined(__x86_64__) && defined(__linux__) && ! defined(__SANITIZE_ADDRESS__) &&                \
+    ! defined(__SANITIZE_THREAD__)
+#define VELKOR_SAMPLE_LOOP __attribute__ ((flatten, target_clones ("avx2", "default")))
+#else
+#define VELKOR_SAMPLE_LOOP
+#endif
+
 using Floats = float __attribute__ ((vector_size (16)));
 using Ints = std::int32_t __attribute__ ((vector_size (16)));
 using Doubles = double __attribute__ ((vector_size (16)));

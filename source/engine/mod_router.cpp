@@ -93,7 +93,7 @@ static void compile (RoutingPlan& plan, const zb::ModRouterCore& router) noexcep
 
 void mod_router_set (ModMatrix& matrix, int source, int dest, bool on)
 {
-    const juce::SpinLock::ScopedLockType lock (matrix.modLock);
+    const TickLock::ScopedLockType lock (matrix.modLock);
 
     if (! isInRange (source, dest))
         return;
@@ -123,7 +123,7 @@ void mod_router_replace (ModMatrix& matrix, std::span<const ModPair> pairs)
     RoutingPlan plan;
     compile (plan, router);
 
-    const juce::SpinLock::ScopedLockType lock (matrix.modLock);
+    const TickLock::ScopedLockType lock (matrix.modLock);
     matrix.router.swapRoutes (router);
     routing_plan_copy (matrix.plan, plan);
 
@@ -137,9 +137,14 @@ bool mod_router_get (const ModMatrix& matrix, int source, int dest) noexcept
            matrix.modGrid[gridIndex (source, dest)].load (std::memory_order_relaxed);
 }
 
-bool mod_router_dsp (ModMatrix& matrix) noexcept
+bool mod_router_dsp (ModMatrix& matrix, bool hadRoutes) noexcept
 {
-    const juce::SpinLock::ScopedLockType lock (matrix.modLock);
+    const TickLock::ScopedLockType lock (matrix.modLock);
+    const bool hasRoutes = matrix.plan.numSteps != 0;
+
+    if (! hasRoutes && ! hadRoutes)
+        return false;
+
     DestLanes sums;
     routing_plan_run<true> (matrix.plan, matrix.modSources.getRawDataPointer(), sums);
 
@@ -147,5 +152,5 @@ bool mod_router_dsp (ModMatrix& matrix) noexcept
     store (dests, sums.lanes[0]);
     store (dests + 4, sums.lanes[1]);
     storePair (dests + 8, sums.lanes[2]);
-    return matrix.plan.numSteps != 0;
+    return hasRoutes;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/routing_plan.h"
+#include "engine/tick_lock.h"
 
 #include <juce_core/juce_core.h>
 
@@ -85,7 +86,7 @@ struct ModMatrix
     zb::ModRouterCore router;       ///< first, so that the routes go last, behind the arrays
     juce::Array<float> modSources;  ///< 6, by ModSource; the audio thread's
     juce::Array<float> modDests;    ///< 10, by ModDest; this tick's sums, without limit
-    juce::SpinLock modLock;         ///< guards the routes, and modGrid among its writers
+    TickLock modLock;               ///< guards the routes, and modGrid among its writers
 
     /** The flag of source s and destination d at 10 s + d. Read without modLock; the audio thread never looks. */
     std::array<std::atomic<bool>, kNumModSources * kNumModDests> modGrid {};
@@ -115,6 +116,7 @@ void mod_router_replace (ModMatrix& matrix, std::span<const ModPair> pairs);
 /** Whether source is routed to dest; false out of range. Any thread, lock-free. */
 bool mod_router_get (const ModMatrix& matrix, int source, int dest) noexcept;
 
-/** Sums the sources into the destinations, in the order of the list. Returns whether there is any route. Audio
-    thread, once per tick; takes modLock. */
-bool mod_router_dsp (ModMatrix& matrix) noexcept;
+/** Sums the sources into the destinations, in the order of the list. Returns whether there is any route; if there was
+    none in the tick before either, which the caller says, the sums are left as they are, at 0. Audio thread, once per
+    tick; takes modLock. */
+bool mod_router_dsp (ModMatrix& matrix, bool hadRoutes) noexcept;

@@ -3,6 +3,7 @@
 
 #include "engine/routing_plan.h"
 #include "engine/stage_plan.h"
+#include "engine/tick_lock.h"
 
 #include <juce_core/juce_core.h>
 
@@ -53,7 +54,7 @@ struct SignalMatrix
     std::array<std::int32_t, kMaxConnections> connSource {};
     std::array<std::int32_t, kMaxConnections> connDest {};
     std::int32_t connectionCount = 0;
-    juce::SpinLock connectionLock;
+    TickLock connectionLock;
 
     /** The flag of source s and destination d at s + 8 d. */
     std::array<std::atomic<bool>, kMaxConnections> connected {};

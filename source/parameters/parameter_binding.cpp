@@ -5,19 +5,38 @@
 #include "engine/limits.h"
 #include "engine/saturation.h"
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
 
 ParamSnapshot readSnapshot (const ParamPointers& pointers) noexcept
 {
     ParamSnapshot snapshot {};
 
     for (std::size_t i = 0; i < snapshot.size(); ++i)
-    {
-        const float value = pointers[i]->load (std::memory_order_relaxed);
-        snapshot[i] = std::isnan (value) ? 0.0f : value;
-    }
+        snapshot[i] = pointers[i]->load (std::memory_order_relaxed);
+
+    // By itself, so that the compiler makes vector code of it.
+    for (float& value : snapshot)
+        value = std::isnan (value) ? 0.0f : value;
 
     return snapshot;
+}
+
+ParamSnapshot noSnapshot() noexcept
+{
+    ParamSnapshot snapshot;
+    snapshot.fill (std::numeric_limits<float>::quiet_NaN());
+    return snapshot;
+}
+
+/** Whether a parameter's bits differ from those that were bound before. */
+static bool differs (const ParamSnapshot& p, const ParamSnapshot& bound,
+                     NumericalParamID id) noexcept
+{
+    return std::bit_cast<std::uint32_t> (p[id]) != std::bit_cast<std::uint32_t> (bound[id]);
 }
 
 static bool isOn (float value) noexcept
@@ -78,29 +97,40 @@ static void bindDelays (const ParamSnapshot& p, VelkorEngine& engine) noexcept
     b.feedback2 = engine.delay2.loop ? 0.0f : p[Delay2Feedback];
 }
 
-static void bindFilters (const ParamSnapshot& p, VelkorEngine& engine) noexcept
+static void bindFilters (const ParamSnapshot& p, const ParamSnapshot& bound,
+                         VelkorEngine& engine) noexcept
 {
     BlockValues& b = engine.block;
-    b.filterFreqNorm1 = filterFreqNorm (p[Filter1Freq]);
-    b.filterFreqNorm2 = filterFreqNorm (p[Filter2Freq]);
+
+    if (differs (p, bound, Filter1Freq))
+        b.filterFreqNorm1 = filterFreqNorm (p[Filter1Freq]);
+
+    if (differs (p, bound, Filter2Freq))
+        b.filterFreqNorm2 = filterFreqNorm (p[Filter2Freq]);
+
     b.filterMod1 = 0.5f * p[Filter1Mod];
     b.filterMod2 = 0.5f * p[Filter2Mod];
     filter_multimode_set_response (engine.filter1, p[Filter1Reso], p[Filter1Mode]);
     filter_multimode_set_response (engine.filter2, p[Filter2Reso], p[Filter2Mode]);
 }
 
-static void bindModulators (const ParamSnapshot& p, VelkorEngine& engine) noexcept
+static void bindModulators (const ParamSnapshot& p, const ParamSnapshot& bound,
+                            VelkorEngine& engine) noexcept
 {
     BlockValues& b = engine.block;
     b.lfoRate1 = p[LFO1Rate];
     b.lfoRate2 = p[LFO2Rate];
-    b.lfoRateNorm1 = lfoRateNorm (p[LFO1Rate]);
-    b.lfoRateNorm2 = lfoRateNorm (p[LFO2Rate]);
     b.lfoMod1 = p[LFO1Mod];
     b.lfoMod2 = p[LFO2Mod];
     b.lfoSync1 = isOn (p[LFO1Sync]);
     b.lfoSync2 = isOn (p[LFO2Sync]);
     b.lfo2Reset = isOn (p[LFO2Reset]);
+
+    if (differs (p, bound, LFO1Rate))
+        b.lfoRateNorm1 = lfoRateNorm (p[LFO1Rate]);
+
+    if (differs (p, bound, LFO2Rate))
+        b.lfoRateNorm2 = lfoRateNorm (p[LFO2Rate]);
 
     gen_LFO_set_kind (engine.lfo1, static_cast<std::uint16_t> (lfoWaveGen[choiceOf (p[LFO1Wave])]));
     gen_LFO_set_skew (engine.lfo1, p[LFO1Skew]);
@@ -108,7 +138,6 @@ static void bindModulators (const ParamSnapshot& p, VelkorEngine& engine) noexce
     gen_LFO_set_skew (engine.lfo2, p[LFO2Skew]);
 
     b.envSensitivity = p[EnvSensitivity];
-    envelope_follower_set_times (engine.envelope, p[EnvAttack], p[EnvDecay]);
 }
 
 static void bindLevels (const ParamSnapshot& p, VelkorEngine& engine) noexcept
@@ -133,10 +162,18 @@ static void bindLevels (const ParamSnapshot& p, VelkorEngine& engine) noexcept
     b.levelMod2 = p[Level2Mod];
 }
 
-void bindSnapshot (const ParamSnapshot& snapshot, VelkorEngine& engine) noexcept
+void bindSnapshot (const ParamSnapshot& snapshot, ParamSnapshot& bound,
+                   VelkorEngine& engine) noexcept
 {
-    bindDelays (snapshot, engine);
-    bindFilters (snapshot, engine);
-    bindModulators (snapshot, engine);
-    bindLevels (snapshot, engine);
+    if (std::memcmp (snapshot.data(), bound.data(), sizeof snapshot) != 0)
+    {
+        bindDelays (snapshot, engine);
+        bindFilters (snapshot, bound, engine);
+        bindModulators (snapshot, bound, engine);
+        bindLevels (snapshot, engine);
+        bound = snapshot;
+    }
+
+    // In every block: its coefficients go with the rate too, which another instance may change.
+    envelope_follower_set_times (engine.envelope, snapshot[EnvAttack], snapshot[EnvDecay]);
 }

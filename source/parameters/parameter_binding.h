@@ -19,6 +19,11 @@ using ParamSnapshot = std::array<float, kNumParameters>;
     0. Audio thread, lock-free. */
 ParamSnapshot readSnapshot (const ParamPointers& pointers) noexcept;
 
-/** Writes a snapshot into the engine's block values, changed or not: switches above 0.5 are on, choices are
-    truncated, the rest goes as it is or through a transform. Audio thread, once per block, lock-free. */
-void bindSnapshot (const ParamSnapshot& snapshot, VelkorEngine& engine) noexcept;
+/** What no snapshot equals: bindSnapshot takes it for everything having changed. */
+ParamSnapshot noSnapshot() noexcept;
+
+/** Writes a snapshot into the engine's block values: switches above 0.5 are on, choices are truncated, the rest goes as
+    it is or through a transform. bound is the snapshot that this engine got last, or noSnapshot(), and becomes the new
+    one; transforms are worked out only where the two differ. Audio thread, once per block, lock-free. */
+void bindSnapshot (const ParamSnapshot& snapshot, ParamSnapshot& bound,
+                   VelkorEngine& engine) noexcept;

@@ -97,5 +97,7 @@ private:
     void takeMidi (const juce::MidiBuffer& midi) noexcept;
     Transport readTransport() const;
 
+    ParamSnapshot boundValues = noSnapshot();  ///< what the engine got last; the audio thread's
+
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (VelkorAudioProcessor)
 };

@@ -15,7 +15,7 @@ void VelkorAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce:
     takeMidi (midi);
     const ParamSnapshot snapshot = readSnapshot (paramValues);
     const Transport transport = readTransport();
-    bindSnapshot (snapshot, *engine);
+    bindSnapshot (snapshot, boundValues, *engine);
 
     if (numSamples == 0 || buffer.getNumChannels() == 0)
         return;

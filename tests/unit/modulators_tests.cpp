@@ -188,13 +188,13 @@ TEST (ModRouter, SumsWithoutLimitAndForgetsRoutesThatAreCleared)
 
     matrix.modSources.set (modSourceLfo1, 1.0f);
     matrix.modSources.set (modSourceLfo2, 1.0f);
-    mod_router_dsp (matrix);
+    mod_router_dsp (matrix, true);
     EXPECT_EQ (matrix.modDests[modDestFilter1], 2.0f);
     EXPECT_EQ (matrix.modDests[modDestFilter2], 0.0f);
 
     mod_router_set (matrix, modSourceLfo1, modDestFilter1, false);
     mod_router_set (matrix, modSourceGate, modDestPan1, false);
-    mod_router_dsp (matrix);
+    mod_router_dsp (matrix, true);
     EXPECT_EQ (matrix.modDests[modDestFilter1], 1.0f);
     EXPECT_FALSE (mod_router_get (matrix, modSourceLfo1, modDestFilter1));
 }

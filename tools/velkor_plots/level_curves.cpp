@@ -20,7 +20,7 @@ void printSaturation()
         for (int i = 0; i <= kPoints; ++i)
         {
             const double x = 2.0 * i / kPoints - 1.0;
-            point (x, static_cast<double> (saturation (k, static_cast<float> (x))));
+            point (x, static_cast<double> (saturation (splat (k), splat (static_cast<float> (x)))[0]));
         }
 
         endCurve();
@@ -50,7 +50,7 @@ void printLimits()
     for (int i = 0; i <= kPoints; ++i)
     {
         const double x = kReach * (2.0 * i / kPoints - 1.0);
-        point (x, static_cast<double> (feedbackShape (1.0f, static_cast<float> (x))));
+        point (x, static_cast<double> (feedbackShape (splat (1.0f), splat (static_cast<float> (x)))[0]));
     }
 
     endCurve();
