@@ -114,7 +114,7 @@ TEST (AboutView, TellsWhatSupportNeedsToKnow)
     EXPECT_TRUE (system[2].isEmpty());
     EXPECT_EQ (system[3], "Operating System: " + juce::SystemStats::getOperatingSystemName());
 
-    EXPECT_TRUE (view.mailLink().startsWith ("mailto:"));
+    EXPECT_TRUE (view.mailLink().startsWith ("mailto:support@zubrowlabs.example?subject="));
     EXPECT_TRUE (view.mailLink().contains (
         "?subject=Velkor help&body=Plugin: Velkor 1.0.0\r\nPlugin Type: "));
     EXPECT_TRUE (view.mailLink().endsWith (
