@@ -10,7 +10,12 @@ target_compile_options(velkor_flags INTERFACE
 # What is not reached is not shipped: the static library holds hosting code that only tests call.
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
     target_compile_options(velkor_flags INTERFACE -ffunction-sections -fdata-sections)
-    target_link_options(velkor_flags INTERFACE -Wl,--gc-sections)
+    target_link_options(velkor_flags INTERFACE -Wl,--gc-sections -Wl,-z,relro,-z,now)
+endif()
+
+# Functions and lines, which a stack trace needs, and no word of where it was built; the code itself stays the same.
+if(VELKOR_DEBUG_SYMBOLS)
+    add_compile_options(-g1 "-ffile-prefix-map=${CMAKE_SOURCE_DIR}=/usr/src/velkor")
 endif()
 
 if(VELKOR_SANITIZE)

@@ -18,8 +18,10 @@ juce_add_plugin(Velkor
     VERSION "${PROJECT_VERSION}"
     FORMATS ${VELKOR_FORMATS}
     PRODUCT_NAME "Velkor"
-    DESCRIPTION "Patchable dual delay"
-    COMPANY_NAME "Zubrow Labs"
+    DESCRIPTION "${PROJECT_DESCRIPTION}"
+    COMPANY_NAME "${VELKOR_MAKER}"
+    COMPANY_WEBSITE "${PROJECT_HOMEPAGE_URL}"
+    COMPANY_EMAIL "mailto:${VELKOR_SUPPORT}"    # both formats want it as a link
     BUNDLE_ID com.zubrow.Velkor
     PLUGIN_MANUFACTURER_CODE Zbrw
     PLUGIN_CODE Vlkr
@@ -121,6 +123,14 @@ target_link_libraries(Velkor
 if(TARGET Velkor_LV2)
     # Debian's patched settings header sets this to the plug-in's name before the generated one is read.
     target_compile_definitions(Velkor_LV2 PRIVATE "JucePlugin_LV2URI=\"${VELKOR_LV2_URI}\"")
+
+    # The framework writes the Turtle after each link, all but the licence.
+    add_custom_command(TARGET Velkor_LV2 POST_BUILD
+        COMMAND "${CMAKE_COMMAND}"
+            "-DTURTLE=$<GENEX_EVAL:$<TARGET_PROPERTY:Velkor_LV2,JUCE_PLUGIN_ARTEFACT_FILE>>/dsp.ttl"
+            "-DURI=${VELKOR_LV2_URI}"
+            -P "${CMAKE_SOURCE_DIR}/cmake/add_lv2_licence.cmake"
+        VERBATIM)
 endif()
 
 # Two helpers load the plug-in after linking and make an instance of it, which works on the user's folders
@@ -142,6 +152,16 @@ foreach(target Velkor_VST3 Velkor_LV2 Velkor_Standalone)
         target_link_libraries(${target} PRIVATE velkor_flags)
     endif()
 endforeach()
+
+# The compiler's flags leave the library templates visible that we instantiate; the host or another plug-in may
+# have them too, of another version. Nothing but the format's entries is exported, so nothing can be interposed.
+if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
+    foreach(format VST3 LV2)
+        set(exports "${CMAKE_SOURCE_DIR}/cmake/exports_${format}.map")
+        target_link_options(Velkor_${format} PRIVATE "-Wl,--version-script=${exports}")
+        set_property(TARGET Velkor_${format} APPEND PROPERTY LINK_DEPENDS "${exports}")
+    endforeach()
+endif()
 
 # Links a test, a tool or a benchmark to the very objects that the plug-in ships.
 function(velkor_link_plugin target)

@@ -5,10 +5,8 @@
 
 #include <BinaryData.h>
 
-// No site of the maker stands yet: names that can belong to nobody.
-static constexpr auto kWebSite = "https://zubrowlabs.example/velkor";
+// No server of the maker stands yet: a name that can belong to nobody.
 static constexpr auto kInvite = "https://discord.zubrowlabs.example/invite";
-static constexpr auto kSupportAddress = "support@zubrowlabs.example";
 
 static const juce::String lineEnd ("\r\n");
 
@@ -155,7 +153,7 @@ void AboutView::buttonClicked (juce::Button* button)
     const auto& name = button->getName();
 
     if (name == "WEB")
-        juce::URL (kWebSite).launchInDefaultBrowser();
+        juce::URL (JucePlugin_ManufacturerWebsite).launchInDefaultBrowser();
     else if (name == "DISCORD")
         juce::URL (kInvite).launchInDefaultBrowser();
     else if (name == "MAIL")
@@ -170,7 +168,7 @@ void AboutView::timerCallback()
 
 juce::String AboutView::mailLink() const
 {
-    return juce::String ("mailto:") + kSupportAddress + "?subject=" + "Velkor" +
+    return juce::String (JucePlugin_ManufacturerEmail) + "?subject=" + "Velkor" +
            " help&body=" + mailBody;
 }
 

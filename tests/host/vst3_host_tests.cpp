@@ -135,7 +135,7 @@ TEST_F (Vst3Host, IsFoundAsADelayEffectOfItsMaker)
         EXPECT_EQ (description.name, "Velkor");
         EXPECT_EQ (description.manufacturerName, "Zubrow Labs");
         EXPECT_EQ (description.category, "Fx|Delay");
-        EXPECT_EQ (description.version, "1.0.0");
+        EXPECT_EQ (description.version, VELKOR_VERSION);
         EXPECT_FALSE (description.isInstrument);
         EXPECT_EQ (description.uniqueId, found.front().uniqueId);
     }

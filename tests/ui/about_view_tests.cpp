@@ -102,10 +102,10 @@ TEST (AboutView, TellsWhatSupportNeedsToKnow)
 
     const auto credits = juce::StringArray::fromLines (view.credits());
     ASSERT_GE (credits.size(), 9);
-    EXPECT_EQ (credits[0], "v1.0.0");
+    EXPECT_EQ (credits[0], "v" VELKOR_VERSION);
     EXPECT_EQ (credits[2], "Audio Effect");
     EXPECT_TRUE (credits[4].startsWith ("DSP: ") && credits[5].startsWith ("GUI: "));
-    EXPECT_TRUE (view.credits().contains ("v1.0.0\r\n\r\nAudio Effect\r\n\r\nDSP: "));
+    EXPECT_TRUE (view.credits().contains ("v" VELKOR_VERSION "\r\n\r\nAudio Effect\r\n\r\nDSP: "));
 
     const auto system = juce::StringArray::fromLines (view.systemInfo());
     ASSERT_GE (system.size(), 6);
@@ -114,9 +114,9 @@ TEST (AboutView, TellsWhatSupportNeedsToKnow)
     EXPECT_TRUE (system[2].isEmpty());
     EXPECT_EQ (system[3], "Operating System: " + juce::SystemStats::getOperatingSystemName());
 
-    EXPECT_TRUE (view.mailLink().startsWith ("mailto:"));
+    EXPECT_TRUE (view.mailLink().startsWith ("mailto:support@zubrowlabs.example?subject="));
     EXPECT_TRUE (view.mailLink().contains (
-        "?subject=Velkor help&body=Plugin: Velkor 1.0.0\r\nPlugin Type: "));
+        "?subject=Velkor help&body=Plugin: Velkor " VELKOR_VERSION "\r\nPlugin Type: "));
     EXPECT_TRUE (view.mailLink().endsWith (
         "\r\n\r\nYour problem, and the steps to recreate it, if possible:\r\n"));
 }
