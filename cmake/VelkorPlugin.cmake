@@ -79,6 +79,7 @@ set(PLUGIN_SOURCES
     source/state/parameter_state.cpp
     source/state/preset_document.cpp
     source/state/state_carriers.cpp
+    source/state/utf8.cpp
     source/state/whole_file.cpp
     source/ui/AboutView.cpp
     source/ui/BitmapMatrix.cpp

@@ -162,6 +162,43 @@ TEST_F (BrowserArchives, KeepWhatIsThereWhereTheyAreDamaged)
     EXPECT_EQ (contents (homeFile ("out")), "good=g kept=kept");
 }
 
+TEST_F (BrowserArchives, MayHaveNamesInAnEightBitEncoding)
+{
+    // Three bytes that begin longer characters than they are, and a letter written longer than it needs.
+    auto archive = makeArchive ({ { "Pi#ce & quatre.zbpreset", "x" }, { "d#/%%%%%%/y", "y" } });
+    replaceBytes (archive, "#", "\xe8");
+    replaceBytes (archive, "&", "\xe0");
+    replaceBytes (archive, "%%%%%%", "\xc1\xa1\xc1\xa1\xc1\xa1");
+    EXPECT_EQ (unpackArchive (put ("Pack.zip", archive), lib ("Pack")), 2);
+    EXPECT_EQ (
+        contents (lib ("Pack")),
+        juce::String::fromUTF8 ("Pi\xc3\xa8"
+                                "ce \xc3\xa0 quatre.zbpreset=x "
+                                "d\xc3\xa8/ "
+                                "d\xc3\xa8/\xc3\x81\xc2\xa1\xc3\x81\xc2\xa1\xc3\x81\xc2\xa1/ "
+                                "d\xc3\xa8/\xc3\x81\xc2\xa1\xc3\x81\xc2\xa1\xc3\x81\xc2\xa1/y=y"));
+    open();
+    select (0, "Pack");
+    EXPECT_TRUE (rows (1).startsWith (juce::String::fromUTF8 ("d\xc3\xa8|"))) << rows (1);
+}
+
+TEST_F (BrowserArchives, OfPathsBeyondReasonLeaveThoseOut)
+{
+    const auto levels = [] (int n) { return juce::String::repeatedString ("a/", n); };
+    const auto wide = [] (int n) { return juce::String::repeatedString ("n", n); };
+    const auto archive = put ({ { levels (32000), "" },
+                                { levels (64) + "x", "x" },
+                                { levels (63) + "x", "x" },
+                                { "b/" + wide (256), "x" },
+                                { wide (200), "w" },
+                                { "c/" + juce::String::repeatedString (wide (200) + "/", 21), "" },
+                                { "end", "e" } });
+    EXPECT_EQ (unpackArchive (archive, homeFile ("out")), 3);
+    EXPECT_EQ (homeFile ("out").getNumberOfChildFiles (juce::File::findFilesAndDirectories), 3);
+    EXPECT_EQ (homeFile ("out").getChildFile (levels (63) + "x").loadFileAsString(), "x");
+    EXPECT_FALSE (homeFile ("out").getChildFile (levels (64)).exists());
+}
+
 TEST_F (BrowserArchives, DoNotFillTheDisk)
 {
     const std::string zeros (static_cast<std::size_t> (kSmallContents) / 2, '\0');

@@ -5,12 +5,13 @@
 #include <csignal>
 #include <set>
 #include <sys/resource.h>
+#include <unistd.h>
 
 /** Files can't grow beyond a hundred bytes while this lives. */
-class SmallDisk
+class FileSizeLimit
 {
 public:
-    SmallDisk()
+    FileSizeLimit()
     {
         signal (SIGXFSZ, SIG_IGN);
         getrlimit (RLIMIT_FSIZE, &before);
@@ -18,10 +19,10 @@ public:
         setrlimit (RLIMIT_FSIZE, &small);
     }
 
-    ~SmallDisk() { setrlimit (RLIMIT_FSIZE, &before); }
+    ~FileSizeLimit() { setrlimit (RLIMIT_FSIZE, &before); }
 
-    SmallDisk (const SmallDisk&) = delete;
-    SmallDisk& operator= (const SmallDisk&) = delete;
+    FileSizeLimit (const FileSizeLimit&) = delete;
+    FileSizeLimit& operator= (const FileSizeLimit&) = delete;
 
 private:
     rlimit before {};
@@ -165,7 +166,7 @@ TEST_F (BrowserOverlays, SaveOverAFileReplacesItAndAFailedOneKeepsIt)
     const auto whole = bytesOf (lib ("User/two.zbpreset"));
 
     {
-        const SmallDisk full;
+        const FileSizeLimit full;
         browser().saveWindow->nameEditor.setText ("two");
         press (*browser().saveWindow, "COMMIT");
         ASSERT_NE (browser().saveWindow, nullptr);
@@ -214,7 +215,6 @@ TEST_F (BrowserOverlays, RandomNamesAreTwoCapitalisedWordsOfTheLists)
     }
 
     EXPECT_GT (names.size(), 45u);
-    EXPECT_FALSE (lib ("User/one.zbpreset").loadFileAsString().isEmpty());
 }
 
 TEST_F (BrowserOverlays, WordListsHaveAThousandWordsEachAndNoneTwice)
@@ -276,6 +276,22 @@ TEST_F (BrowserOverlays, DeleteTakesAPresetOrAFolderForGood)
     EXPECT_EQ (browser().deleteWindow, nullptr);  // that row has no path
 }
 
+TEST_F (BrowserOverlays, DeleteTakesAFolderWithNamesThatNoRowShows)
+{
+    putStrangeNames ("User");
+    putFile (homeFile ("elsewhere/kept"), "kept");
+    ASSERT_EQ (symlink (homeFile ("elsewhere").getFullPathName().toRawUTF8(),
+                        lib ("User/link").getFullPathName().toRawUTF8()),
+               0);
+    browser().makeNewTree();
+    select (0, "User");
+    command (kDeleteCommand);
+    press (*browser().deleteWindow, "Do it!");
+    EXPECT_EQ (browser().deleteWindow, nullptr);
+    EXPECT_FALSE (lib ("User").exists());
+    EXPECT_EQ (bytesOf (homeFile ("elsewhere/kept")), "kept");
+}
+
 TEST_F (BrowserOverlays, GoWithTheBrowser)
 {
     select (0, "User");
@@ -283,6 +299,15 @@ TEST_F (BrowserOverlays, GoWithTheBrowser)
     command (kDeleteCommand);
     ASSERT_NE (browser().saveWindow, nullptr);
     ASSERT_NE (browser().deleteWindow, nullptr);
+    const juce::Component::SafePointer<juce::Component> overlays[] = {
+        browser().saveWindow.get(), browser().deleteWindow.get()
+    };
+    browser().saveWindow->nameEditor.setText ("Posted");  // tells its listeners later
     manager.reset();
     pump();
+
+    for (const auto& overlay : overlays)
+        EXPECT_EQ (overlay.getComponent(), nullptr);
+
+    EXPECT_EQ (lib ("User").getNumberOfChildFiles (juce::File::findFiles), 2);
 }

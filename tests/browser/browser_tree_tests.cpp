@@ -40,6 +40,20 @@ TEST_F (BrowserTree, MixesFoldersAndPresetsByFileNameWhateverTheCase)
     EXPECT_EQ (browser().addToTree ("x", "y", 5, 0).getType().toString(), "");
 }
 
+TEST_F (BrowserTree, LeavesOutNamesThatAreNoUtf8)
+{
+    putPreset ("a/one.zbpreset", "One");
+    putStrangeNames ("a");
+    open();
+    select (0, "a");
+    EXPECT_EQ (rows (1), "One");
+    EXPECT_EQ (browser().presetFiles.size(), 1);
+    EXPECT_TRUE (cacheText().contains ("fileCount=\"1\""));
+    putFile (lib ("a/one.zbpreset"), "");
+    open();
+    EXPECT_EQ (browser().presetCache.at ("a/one.zbpreset").name, "One");  // counted the same way
+}
+
 TEST_F (BrowserTree, ShowsFourLevelsAndNoMore)
 {
     putPreset ("1/2/3/leaf.zbpreset", "Leaf", 44.0f);
