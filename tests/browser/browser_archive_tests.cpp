@@ -4,6 +4,7 @@
 #include "browser/archive_import.h"
 #include "browser/browser_fixture.h"
 
+#include <cstdlib>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -326,6 +327,28 @@ TEST_F (BrowserArchives, ExportPacksAFolderWithAllThatIsInIt)
     EXPECT_EQ (contents (lib ("Set")), contents (homeFile ("was")));
     EXPECT_GT (contents (lib ("Set")).length(), 500);
     EXPECT_TRUE (archive.deleteFile());
+}
+
+TEST_F (BrowserArchives, ExportGoesAsideWhereItsNameIsTakenByWhatWeCannotReplace)
+{
+    putPreset ("Set/one.zbpreset", "One");
+    const auto desk = homeFile ("tmp");
+    putFile (desk.getChildFile ("Set.zip/somebody's"), "kept");
+    setenv ("TMPDIR", desk.getFullPathName().toRawUTF8(), 1);
+    const auto archive = exportFolder (lib ("Set"));
+    unsetenv ("TMPDIR");
+    EXPECT_EQ (archive.getFileName(), "Set.zip");
+    EXPECT_TRUE (archive.getParentDirectory().isAChildOf (desk));
+    EXPECT_EQ (juce::ZipFile (archive).getNumEntries(), 1);
+    EXPECT_EQ (contents (desk.getChildFile ("Set.zip")), "somebody's=kept");
+
+    // Nobody else has business there, and no half-written file stays behind.
+    struct stat status
+    {
+    };
+    ASSERT_EQ (stat (archive.getParentDirectory().getFullPathName().toRawUTF8(), &status), 0);
+    EXPECT_EQ (status.st_mode & 0777u, 0700u);
+    EXPECT_EQ (desk.getNumberOfChildFiles (juce::File::findFilesAndDirectories), 2);
 }
 
 TEST_F (BrowserArchives, ExportGoesRoundNoCircle)
