@@ -68,12 +68,14 @@ void zb_PresetManager::presetsDecInc (bool forward)
         return;
 
     // The list may have become shorter than it was when this one counted.
-    auto& program = processor.currentProgram;
+    int program = processor.currentProgram;
 
     if (forward)
         program = program >= last ? 0 : program + 1;
     else
         program = program <= 0 || program > last ? last : program - 1;
+
+    processor.currentProgram = program;
 
     setStateFromFile (presetFiles[program]);
     processor.updateHostDisplay (zb_AudioProcessor::stateChanged());

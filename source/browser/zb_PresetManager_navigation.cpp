@@ -119,9 +119,7 @@ static int indexOfFile (const juce::ValueTree& node, const juce::String& fileNam
 
 void zb_PresetManager::navigateToCurrentPreset()
 {
-    if (! juce::isPositiveAndBelow (processor.currentProgram, presetFiles.size()))
-        return;
-
+    // Beyond the list this is no file, and so not one that exists.
     const auto file = presetFiles[processor.currentProgram];
 
     if (! file.existsAsFile())

@@ -116,6 +116,36 @@ int countFilesBelow (const juce::File& folder, juce::StringRef extension)
     return count;
 }
 
+/** Whether file, which is below folder, is hidden or in a hidden folder. */
+static bool isOutOfSight (juce::File file, const juce::File& folder)
+{
+    for (; file != folder; file = file.getParentDirectory())
+        if (file.isHidden())
+            return true;
+
+    return false;
+}
+
+juce::Array<juce::File> listPresetsBelow (const juce::File& folder)
+{
+    juce::Array<juce::File> presets;
+
+    for (const auto& [file, isFolder] : listEntriesBelow (folder))
+        if (! isFolder && file.hasFileExtension (kPresetExtension) && ! isOutOfSight (file, folder))
+            presets.add (file);
+
+    std::sort (presets.begin(), presets.end(), comesBefore);
+    return presets;
+}
+
+bool comesBefore (const juce::File& a, const juce::File& b)
+{
+    const auto& pathA = a.getFullPathName();
+    const auto& pathB = b.getFullPathName();
+    const int order = pathA.compareIgnoreCase (pathB);
+    return order != 0 ? order < 0 : pathA < pathB;
+}
+
 bool deleteFolder (const juce::File& folder)
 {
     std::error_code failure;

@@ -5,6 +5,9 @@
 
 #include <vector>
 
+/** Extension of preset files, its dot included; compared without regard to case. Stored: never edit. */
+inline constexpr auto kPresetExtension = ".zbpreset";
+
 /** A file or a folder in a folder. */
 struct FolderEntry
 {
@@ -24,6 +27,14 @@ std::vector<FolderEntry> listEntriesBelow (const juce::File& folder);
 /** Number of files in a folder and below it, by the same rules, whose extension, its dot included, is the given
     one in any case. Any thread. */
 int countFilesBelow (const juce::File& folder, juce::StringRef extension);
+
+/** The preset files in a folder and below it, by the same rules but without those that are hidden or in a hidden
+    folder, in the order of comesBefore. Any thread. */
+juce::Array<juce::File> listPresetsBelow (const juce::File& folder);
+
+/** The order in which presets and folders are shown: by path, ignoring case; case decides between those that differ
+    in nothing else, which the system may tell apart. Any thread. */
+bool comesBefore (const juce::File& a, const juce::File& b);
 
 /** Deletes a folder with all that is in it, whatever the names; of a link, the link alone. False if anything is
     left. Any thread. */

@@ -257,7 +257,7 @@ TEST_F (BrowserTree, StepsThroughAllPresetsRoundTheEnds)
     for (const bool forward : { true, true, true, false, false })
     {
         browser().presetsDecInc (forward);
-        heard.add (processor.presetName + juce::String (processor.currentProgram) + "=" +
+        heard.add (processor.presetName + juce::String (processor.currentProgram.load()) + "=" +
                    juce::String (delay(), 0));
     }
 
