@@ -223,10 +223,16 @@ TEST_F (BrowserOverlays, WordListsHaveAThousandWordsEachAndNoneTwice)
     {
         EXPECT_EQ (list->size(), 1000);
         EXPECT_EQ (std::set<juce::String> (list->begin(), list->end()).size(), 1000u);
+        std::set<juce::juce_wchar> initials;
 
         for (const auto& word : *list)
+        {
             EXPECT_TRUE (word.isNotEmpty() && word.containsOnly ("abcdefghijklmnopqrstuvwxyz"))
                 << word;
+            initials.insert (word[0]);
+        }
+
+        EXPECT_EQ (initials.size(), 26u);
     }
 
     EXPECT_TRUE (presetAdjectives.joinIntoString (" ").startsWith (
