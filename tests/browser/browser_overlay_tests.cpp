@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "browser/browser_fixture.h"
 #include "browser/preset_words.h"
+#include "support/small_disk.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <set>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -181,6 +183,52 @@ TEST_F (BrowserOverlays, SaveOverAFileReplacesItAndAFailedOneKeepsIt)
     browser().saveWindow->nameEditor.setText ("third");
     press (*browser().saveWindow, "COMMIT");
     EXPECT_TRUE (lib ("User/third.zbpreset").existsAsFile());
+}
+
+TEST_F (BrowserOverlays, SaveIntoAReadOnlyFolderKeepsTheBoxAndTheFile)
+{
+    // Permissions don't stop root, which tests may run as: the folder is on a disk that takes no more writes. That
+    // takes another process of this program, in a namespace of its own, which finds the disk by this name.
+    static constexpr auto kDisk = "VELKOR_READ_ONLY_DISK";
+
+    if (const char* const disk = std::getenv (kDisk))
+    {
+        folder = juce::File (disk);
+        const auto whole = bytesOf (lib ("User/one.zbpreset"));
+        ASSERT_FALSE (whole.empty());
+        open();
+        browser().setVisible (true);
+        select (0, "User");
+
+        for (const auto* name : { "one", "new", "folder/new" })
+        {
+            save (name);
+            ASSERT_NE (browser().saveWindow, nullptr) << name;
+            EXPECT_TRUE (browser().isVisible());
+        }
+
+        EXPECT_EQ (bytesOf (lib ("User/one.zbpreset")), whole);
+        EXPECT_EQ (lib ("User").getNumberOfChildFiles (juce::File::findFilesAndDirectories), 1);
+        return;
+    }
+
+    if (const auto reason = whyNoSmallDisk(); ! reason.empty())
+        GTEST_SKIP() << reason;
+
+    const auto disk = homeFile ("disk").getFullPathName().toStdString();
+    ASSERT_TRUE (homeFile ("disk").createDirectory());
+    const auto fill = "mkdir \"" + disk + "/User\"; cp \"" +
+                      lib ("User/one.zbpreset").getFullPathName().toStdString() + "\" \"" + disk +
+                      "/User\"; mount -o remount,ro \"" + disk + "\"; export " + kDisk + "=\"" +
+                      disk + "\"";
+    const auto program =
+        juce::File ("/proc/self/exe").getLinkedTarget().getFullPathName().toStdString();
+    const auto* const self = testing::UnitTest::GetInstance()->current_test_info();
+    const auto command = onSmallDisk (disk, "size=64k", fill, "") + " \"" + program +
+                         "\" --gtest_filter=" + self->test_suite_name() + "." + self->name() +
+                         " >\"" + homeFile ("out.txt").getFullPathName().toStdString() + "\" 2>&1";
+    EXPECT_EQ (std::system (command.c_str()), 0) << bytesOf (homeFile ("out.txt"));
+    EXPECT_TRUE (bytesOf (homeFile ("out.txt")).find ("[  PASSED  ] 1 test.") != std::string::npos);
 }
 
 TEST_F (BrowserOverlays, CancelOfTheSaveBoxLeavesTheBrowserAndKeepsTheSound)
