@@ -42,6 +42,7 @@ set(PLUGIN_SOURCES
     source/browser/browser_icons.cpp
     source/browser/browser_look.cpp
     source/browser/browser_strings.cpp
+    source/browser/busy_cover.cpp
     source/browser/column_drag.cpp
     source/browser/column_paint.cpp
     source/browser/favorites_file.cpp

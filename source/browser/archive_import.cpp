@@ -123,7 +123,8 @@ static bool isWithinLimits (const juce::ZipFile& zip, juce::int64 archiveBytes,
            bytes <= existing.getBytesFreeOnVolume() - kSpareBytes;
 }
 
-int unpackArchive (const juce::File& archive, const juce::File& folder)
+int unpackArchive (const juce::File& archive, const juce::File& folder,
+                   const std::function<bool()>& goOn)
 {
     if (! isRegularFile (archive) || archive.getSize() > kMaxArchiveBytes)
         return 0;
@@ -139,7 +140,7 @@ int unpackArchive (const juce::File& archive, const juce::File& folder)
     int written = 0;
 
     if (isWithinLimits (zip, archive.getSize(), folder))
-        for (int i = 0; i < zip.getNumEntries(); ++i)
+        for (int i = 0; i < zip.getNumEntries() && (goOn == nullptr || goOn()); ++i)
             written += unpackEntry (zip, i, folder) ? 1 : 0;
 
     return written;

@@ -4,6 +4,7 @@
 #include <juce_core/juce_core.h>
 
 #include <cstddef>
+#include <functional>
 
 /** Archives come from strangers. What they unpack to is limited, since a few megabytes can hold as much as
     any disk does. Files of small archives may take this many bytes together... */
@@ -28,8 +29,10 @@ inline constexpr std::size_t kMaxNameBytes = 255;
     all. Leaves out what would lie outside the folder or behind a link in it, links, paths beyond the limits
     above, and files that are not as long as the archive says. A name that is no UTF-8 is read as one in the
     Western 8-bit encoding. Unpacks nothing if the archive is no ZIP or its contents are beyond the limits or
-    the room on the disk. Returns the number of files written. Any thread. */
-int unpackArchive (const juce::File& archive, const juce::File& folder);
+    the room on the disk. Calls goOn, if there is one, before each entry, and ends there once that returns false.
+    Returns the number of files written. Any thread. */
+int unpackArchive (const juce::File& archive, const juce::File& folder,
+                   const std::function<bool()>& goOn = {});
 
 /** The folder that an archive is unpacked into: a child of parent with the archive's name. Empty if that
     name makes none, as "..." plus the extension doesn't. Any thread. */

@@ -112,6 +112,9 @@ void zb_PresetManager::resized()
     if (downloadPanel != nullptr)
         downloadPanel->layOut (unit);
 
+    if (busyCover != nullptr)
+        busyCover->setBounds (getLocalBounds());
+
     repaint();
 }
 

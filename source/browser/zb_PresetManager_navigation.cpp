@@ -32,7 +32,8 @@ void zb_PresetManager::addColumn (const juce::ValueTree& node)
     // What covers the columns goes on covering them.
     for (juce::Component* const overlay : { static_cast<juce::Component*> (deleteWindow.get()),
                                             static_cast<juce::Component*> (saveWindow.get()),
-                                            static_cast<juce::Component*> (downloadPanel.get()) })
+                                            static_cast<juce::Component*> (downloadPanel.get()),
+                                            static_cast<juce::Component*> (busyCover.get()) })
         if (overlay != nullptr)
             overlay->toFront (false);
 }

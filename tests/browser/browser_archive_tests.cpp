@@ -5,6 +5,7 @@
 #include "browser/browser_fixture.h"
 
 #include <cstdlib>
+#include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -270,6 +271,84 @@ TEST_F (BrowserArchives, ImportUnpacksIntoTheSelectedFolderAndShowsIt)
     browser().importFile (homeFile ("Third.Zip"));
     browser().importFile (homeFile ("missing.zip"));
     EXPECT_EQ (rows (0), "A|Pack");
+}
+
+TEST_F (BrowserArchives, EndBetweenTwoEntriesWhenTold)
+{
+    int asked = 0;
+    EXPECT_EQ (unpackArchive (put ({ { "a", "a" }, { "b", "b" }, { "c", "c" }, { "d", "d" } }),
+                              homeFile ("out"), [&] { return ++asked < 3; }),
+               2);
+    EXPECT_EQ (asked, 3);
+    EXPECT_EQ (contents (homeFile ("out")), "a=a b=b");
+}
+
+/** Looks at an import from the message loop, again and again. */
+class Onlooker : public juce::Timer
+{
+public:
+    explicit Onlooker (std::function<void()> lookAtIt) : look (std::move (lookAtIt))
+    {
+        startTimer (5);
+    }
+
+    ~Onlooker() override { stopTimer(); }
+
+    void timerCallback() override { look(); }
+
+private:
+    const std::function<void()> look;
+};
+
+TEST_F (BrowserArchives, ImportOfManyFilesKeepsTheWindowAlive)
+{
+    constexpr int kFiles = 4000;
+    std::vector<ArchiveEntry> entries;
+
+    for (int i = 0; i < kFiles; ++i)
+        entries.push_back ({ "p" + juce::String (i) + ".zbpreset", "x" });
+
+    const auto archive = put (entries);
+    const auto other = put ("Other.zip", makeArchive ({ { "o", "o" } }));
+    const auto last = lib ("Pack/p" + juce::String (kFiles - 1) + ".zbpreset");
+    open();
+    bool seenHalfWay = false;
+
+    {
+        const Onlooker onlooker (
+            [&]
+            {
+                seenHalfWay |= lib ("Pack/p0.zbpreset").exists() && ! last.exists();
+
+                if (browser().busyCover != nullptr)
+                {
+                    EXPECT_EQ (browser().busyCover->getBounds(), browser().getLocalBounds());
+                    browser().importFile (other);  // one at a time
+                }
+            });
+        browser().importFile (archive);
+    }
+
+    EXPECT_TRUE (seenHalfWay);
+    EXPECT_TRUE (last.exists());
+    EXPECT_EQ (browser().busyCover, nullptr);
+    EXPECT_EQ (rows (0), "Pack");
+
+    // And the browser may go half-way.
+    ASSERT_TRUE (lib ("Pack").deleteRecursively());
+
+    {
+        const Onlooker onlooker (
+            [&]
+            {
+                if (lib ("Pack/p0.zbpreset").exists())
+                    manager.reset();
+            });
+        browser().importFile (archive);
+    }
+
+    EXPECT_EQ (manager, nullptr);
+    EXPECT_FALSE (last.exists());
 }
 
 TEST_F (BrowserArchives, ImportOfAPresetLoadsItAndSavesIt)
