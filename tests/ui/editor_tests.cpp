@@ -256,6 +256,22 @@ TEST_F (Editor, BrowserCoversAWindowThatIsResizedDuringAFade)
     EXPECT_EQ (browser.getBounds(), editor->getLocalBounds());
 }
 
+TEST_F (Editor, ShowsAProgramThatAHostsThreadSetsOnceItsOwnThreadGetsToIt)
+{
+    processor.programFolder = processor.presetFolder;
+    processor.refreshProgramList();
+    editor.reset (dynamic_cast<VelkorAudioProcessorEditor*> (processor.createEditorIfNeeded()));
+    auto& repaints = RepaintCount::watch (*editor);
+    const auto ofAllOfIt = [&]
+    { return repaints.count - static_cast<int> (repaints.areas.size()); };
+
+    std::thread ([this] { processor.setCurrentProgram (3); }).join();
+    EXPECT_EQ (processor.getCurrentProgram(), 3);
+    EXPECT_EQ (ofAllOfIt(), 0);
+    juce::MessageManager::getInstance()->runDispatchLoopUntil (100);
+    EXPECT_GT (ofAllOfIt(), 0);
+}
+
 TEST_F (Editor, StarTogglesThePresetOfTheCurrentProgramOnly)
 {
     auto& browser = *childOf<zb_PresetManager> (*editor);
