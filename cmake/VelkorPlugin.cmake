@@ -44,6 +44,7 @@ set(PLUGIN_SOURCES
     source/browser/browser_icons.cpp
     source/browser/browser_look.cpp
     source/browser/browser_strings.cpp
+    source/browser/busy_cover.cpp
     source/browser/column_drag.cpp
     source/browser/column_paint.cpp
     source/browser/favorites_file.cpp
@@ -81,6 +82,7 @@ set(PLUGIN_SOURCES
     source/state/parameter_state.cpp
     source/state/preset_document.cpp
     source/state/state_carriers.cpp
+    source/state/utf8.cpp
     source/state/whole_file.cpp
     source/ui/AboutView.cpp
     source/ui/BitmapMatrix.cpp

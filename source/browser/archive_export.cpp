@@ -5,7 +5,9 @@
 #include "state/folder_listing.h"
 #include "state/whole_file.h"
 
+#include <filesystem>
 #include <memory>
+#include <system_error>
 
 static constexpr int kCompressionLevel = 9;
 
@@ -25,10 +27,55 @@ static void addTo (juce::ZipFile::Builder& builder, const juce::File& file, bool
                           file.getLastModificationTime());
 }
 
+/** Writes an archive to a new file; false, with that file left behind, if it doesn't get there whole. */
+static bool writeArchive (const juce::ZipFile::Builder& builder, const juce::File& fresh)
+{
+    juce::FileOutputStream out (fresh);
+
+    if (! out.openedOk() || ! builder.writeToStream (out, nullptr))
+        return false;
+
+    out.flush();  // a last write that comes up short shows only here
+    return out.getStatus().wasOk();
+}
+
+/** Makes a folder that is nobody else's business; empty if it can't be made. */
+static juce::File makePrivateFolder (const juce::File& parent)
+{
+    const auto folder = parent.getChildFile ("velkor-" + uniqueWord());
+    std::error_code failure;
+
+    if (! std::filesystem::create_directory (filesystemPath (folder), failure))
+        return {};
+
+    std::filesystem::permissions (filesystemPath (folder), std::filesystem::perms::owner_all,
+                                  failure);
+    return folder;
+}
+
+/** Gives an archive its name; in a folder of its own where somebody else has a file of that name, which in a
+    folder that all share is not ours to replace. Empty if there is no way. */
+static juce::File giveName (const juce::File& fresh, const juce::String& name)
+{
+    const auto archive = fresh.getSiblingFile (name);
+
+    if (moveOver (fresh, archive))
+        return archive;
+
+    const auto aside = makePrivateFolder (fresh.getParentDirectory());
+
+    if (aside == juce::File())
+        return {};
+
+    if (moveOver (fresh, aside.getChildFile (name)))
+        return aside.getChildFile (name);
+
+    aside.deleteFile();
+    return {};
+}
+
 juce::File exportFolder (const juce::File& folder)
 {
-    const auto archive = juce::File::getSpecialLocation (juce::File::tempDirectory)
-                             .getChildFile (folder.getFileName() + ".zip");
     juce::ZipFile::Builder builder;
 
     // Not the framework's listing, which goes forty levels down a link that leads back up.
@@ -36,21 +83,17 @@ juce::File exportFolder (const juce::File& folder)
         addTo (builder, file, isFolder, relativePresetPath (file, folder));
 
     // Not into the archive itself: others may have put a link of that name into a folder that all share.
-    const auto fresh = archive.getSiblingFile ("." + uniqueWord() + ".tmp");
-    bool complete = false;
+    const auto fresh = juce::File::getSpecialLocation (juce::File::tempDirectory)
+                           .getChildFile ("." + uniqueWord() + ".tmp");
+    juce::File archive;
 
-    {
-        juce::FileOutputStream out (fresh);
-        complete = out.openedOk() && builder.writeToStream (out, nullptr);
-        out.flush();  // a last write that comes up short shows only here
-        complete = complete && out.getStatus().wasOk();
-    }
+    if (writeArchive (builder, fresh))
+        archive = giveName (fresh, folder.getFileName() + ".zip");
 
-    if (complete && moveOver (fresh, archive))
-        return archive;
+    if (archive == juce::File())
+        fresh.deleteFile();
 
-    fresh.deleteFile();
-    return {};
+    return archive;
 }
 
 bool copyInto (const juce::File& file, const juce::File& folder)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "browser/archive_import.h"
 
+#include "state/utf8.h"
 #include "state/whole_file.h"
 
 #include <algorithm>
@@ -14,10 +15,24 @@
 /** Bytes read at once. */
 static constexpr int kBlockBytes = 1 << 16;
 
-/** Whether anything from file up to folder is a link. */
+/** Whether an entry's path is one that could be meant. Those that are not cost more the deeper they go: the
+    folders of each level are looked at and made from the top. */
+static bool isWithinReason (const juce::String& path)
+{
+    if (path.getNumBytesAsUTF8() > kMaxPathBytes)
+        return false;
+
+    const auto parts = juce::StringArray::fromTokens (path, "/", {});
+    return parts.size() <= kMaxPathParts &&
+           std::all_of (parts.begin(), parts.end(),
+                        [] (const juce::String& part)
+                        { return part.getNumBytesAsUTF8() <= kMaxNameBytes; });
+}
+
+/** Whether anything from file, which is in folder, up to folder is a link. */
 static bool leadsThroughLink (juce::File file, const juce::File& folder)
 {
-    for (; file != folder && file.isAChildOf (folder); file = file.getParentDirectory())
+    for (; file != folder; file = file.getParentDirectory())
         if (file.isSymbolicLink())
             return true;
 
@@ -70,9 +85,9 @@ static bool writeEntry (juce::InputStream& in, juce::int64 numBytes, const juce:
 static bool unpackEntry (juce::ZipFile& zip, int index, const juce::File& folder)
 {
     const auto& entry = *zip.getEntry (index);
-    const auto path = entry.filename.replaceCharacter ('\\', '/');
+    const auto path = textOfBytes (entry.filename.toRawUTF8()).replaceCharacter ('\\', '/');
 
-    if (path.isEmpty() || entry.isSymbolicLink)
+    if (path.isEmpty() || entry.isSymbolicLink || ! isWithinReason (path))
         return false;
 
     const auto target = folder.getChildFile (path);
@@ -108,7 +123,8 @@ static bool isWithinLimits (const juce::ZipFile& zip, juce::int64 archiveBytes,
            bytes <= existing.getBytesFreeOnVolume() - kSpareBytes;
 }
 
-int unpackArchive (const juce::File& archive, const juce::File& folder)
+int unpackArchive (const juce::File& archive, const juce::File& folder,
+                   const std::function<bool()>& goOn)
 {
     if (! isRegularFile (archive) || archive.getSize() > kMaxArchiveBytes)
         return 0;
@@ -124,7 +140,7 @@ int unpackArchive (const juce::File& archive, const juce::File& folder)
     int written = 0;
 
     if (isWithinLimits (zip, archive.getSize(), folder))
-        for (int i = 0; i < zip.getNumEntries(); ++i)
+        for (int i = 0; i < zip.getNumEntries() && (goOn == nullptr || goOn()); ++i)
             written += unpackEntry (zip, i, folder) ? 1 : 0;
 
     return written;

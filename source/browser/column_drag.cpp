@@ -13,8 +13,9 @@ static constexpr int kMaxImageWidth = 200;
 
 int zb_PresetManagerColumn::rowAt (juce::Point<int> position) const
 {
+    // The scroll bar is no row, though it is in the list and has rows beside it.
     const auto inList = listBox->getLocalPoint (this, position);
-    return listBox->getLocalBounds().contains (inList)
+    return listBox->getLocalBounds().withWidth (listBox->getVisibleRowWidth()).contains (inList)
                ? listBox->getRowContainingPosition (inList.x, inList.y)
                : -1;
 }

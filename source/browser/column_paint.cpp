@@ -6,7 +6,6 @@
 // How a column and its rows look. Measures in units, but for the lines.
 
 static constexpr float kNameStart = 3.25f;
-static constexpr float kStarZone = 3.0f;
 static constexpr float kOutline = 2.0f;  ///< pixels
 
 void zb_PresetManagerColumn::paintListBoxItem (int row, juce::Graphics& g, int width, int height,
@@ -20,12 +19,11 @@ void zb_PresetManagerColumn::paintListBoxItem (int row, juce::Graphics& g, int w
     const auto& colours = look.colours;
     const auto bounds = juce::Rectangle<int> (width, height).toFloat();
     const float corner = bounds.getHeight() * 0.25f;
-    const bool isPreset =
-        item.hasType (typeString[kPresetNode]) || item.hasType (typeString[kSampleNode]);
+    const bool hasStar = isPreset (item);
 
     if (selected)
     {
-        g.setColour ((isPreset ? colours.colourHighlight : colours.colourAccent)
+        g.setColour ((hasStar ? colours.colourHighlight : colours.colourAccent)
                          .withAlpha (static_cast<juce::uint8> (0x80)));
         g.fillRoundedRectangle (bounds.reduced (0.0f, 0.25f * unit), corner);
     }
@@ -38,7 +36,7 @@ void zb_PresetManagerColumn::paintListBoxItem (int row, juce::Graphics& g, int w
 
     paintIcon (g, item, height, selected);
 
-    if (isPreset)
+    if (hasStar)
         paintStar (g, item, width, height, selected);
 
     g.setColour (selected ? colours.colourText : colours.colourDim);

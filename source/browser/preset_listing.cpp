@@ -8,21 +8,14 @@
 
 static constexpr auto kResourceForks = "__MACOSX";
 
-/** Where ignoring case leaves a tie, case decides: the system may tell such files apart. */
-static bool comesBefore (const FolderEntry& a, const FolderEntry& b)
-{
-    const auto& pathA = a.file.getFullPathName();
-    const auto& pathB = b.file.getFullPathName();
-    const int order = pathA.compareIgnoreCase (pathB);
-    return order != 0 ? order < 0 : pathA < pathB;
-}
-
 std::vector<FolderEntry> listFolder (const juce::File& folder)
 {
     auto entries = listEntries (folder);
     std::erase_if (entries, [] (const FolderEntry& entry)
                    { return entry.file.isHidden() || entry.file.getFileName() == kResourceForks; });
-    std::sort (entries.begin(), entries.end(), comesBefore);
+    std::sort (entries.begin(), entries.end(),
+               [] (const FolderEntry& a, const FolderEntry& b)
+               { return comesBefore (a.file, b.file); });
     return entries;
 }
 

@@ -8,11 +8,8 @@
 
 #include <vector>
 
-/** Extension of preset files, its dot included; compared without regard to case. */
-inline constexpr auto kPresetExtension = ".zbpreset";
-
-/** Visible files and folders right below folder, in the order in which the browser shows them: by path,
-    ignoring case. Folders that archives made on a Mac carry along are left out. Any thread. */
+/** Visible files and folders right below folder, in the order of comesBefore. Folders that archives made on a Mac
+    carry along are left out. Any thread. */
 std::vector<FolderEntry> listFolder (const juce::File& folder);
 
 /** Name and type that a preset file tells, in the dialect of the product of that name; an empty name if the

@@ -67,12 +67,15 @@ void zb_PresetManager::presetsDecInc (bool forward)
     if (last < 0)
         return;
 
-    auto& program = processor.currentProgram;
+    // The list may have become shorter than it was when this one counted.
+    int program = processor.currentProgram;
 
     if (forward)
         program = program >= last ? 0 : program + 1;
     else
-        program = program <= 0 ? last : program - 1;
+        program = program <= 0 || program > last ? last : program - 1;
+
+    processor.currentProgram = program;
 
     setStateFromFile (presetFiles[program]);
     processor.updateHostDisplay (zb_AudioProcessor::stateChanged());
@@ -109,6 +112,9 @@ void zb_PresetManager::resized()
     if (downloadPanel != nullptr)
         downloadPanel->layOut (unit);
 
+    if (busyCover != nullptr)
+        busyCover->setBounds (getLocalBounds());
+
     repaint();
 }
 
@@ -119,14 +125,12 @@ void zb_PresetManager::makeButtons()
         auto& button = buttons[static_cast<std::size_t> (i)];
         button = std::make_unique<juce::TextButton> (juce::String (i));
         button->setTooltip (juce::translate (toolTipString[i]));
+        button->setButtonText (juce::translate (buttonString[i]));
         button->setAlpha (0.0f);
         button->setMouseClickGrabsKeyboardFocus (false);  // the arrow keys stay with the columns
         button->addListener (this);
         addAndMakeVisible (*button);
     }
-
-    for (int i = 0; i < kNumCommands; ++i)
-        buttons[static_cast<std::size_t> (i)]->setButtonText (juce::translate (buttonString[i]));
 }
 
 void zb_PresetManager::setButtonTexts (bool folderSelected)
@@ -158,6 +162,9 @@ void zb_PresetManager::layOutButtons()
     for (const auto& place : kPlaces)
     {
         const bool offered = place.command != kDownloadCommand || processor.factoryContentOffered;
+
+        // Without bounds alone, the tab key would still find it.
+        buttons[place.command]->setVisible (offered);
         buttons[place.command]->setBounds (
             offered ? (juce::Rectangle<float> (place.x, place.y, place.width, kHeight) * unit)
                           .toNearestInt()

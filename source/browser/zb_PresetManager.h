@@ -3,6 +3,7 @@
 
 #include "browser/browser_look.h"
 #include "browser/browser_strings.h"
+#include "browser/busy_cover.h"
 #include "browser/zb_PresetManagerColumn.h"
 #include "browser/zb_PresetManagerDeleteWindow.h"
 #include "browser/zb_PresetManagerDownloadListener.h"
@@ -107,7 +108,9 @@ public:
     juce::File targetFolder() const;
 
     /** Unpacks an archive into a folder of its name in the target folder, or loads a preset and saves it in
-        the target folder; ignores any other file. Then rebuilds. */
+        the target folder; ignores any other file. Then rebuilds. While it unpacks, the message loop runs at
+        times, so the browser may be gone when this returns: then the rest is not unpacked. Does nothing while
+        another import is at it. */
     void importFile (const juce::File& file);
 
     /** What the export command hands out: the selected preset, or an archive of the selected folder in the
@@ -149,6 +152,7 @@ public:
     std::array<std::unique_ptr<juce::TextButton>, kNumCommands> buttons;
     std::unique_ptr<zb_PresetManagerDeleteWindow> deleteWindow;
     std::unique_ptr<zb_PresetManagerSaveWindow> saveWindow;
+    std::unique_ptr<BusyCover> busyCover;  ///< while an import is at it
     std::unique_ptr<zb_PresetManagerDownloadListener> downloadListener;
     std::unique_ptr<zb_PresetManagerDownloadPanel> downloadPanel;
 
@@ -171,6 +175,7 @@ private:
     void copyToClipboard();
     void pasteFromClipboard();
     void chooseImport();
+    bool unpackUnderCover (const juce::File& archive, const juce::File& target);
     void chooseExport();
     void openDeleteWindow();
     void openSaveWindow();

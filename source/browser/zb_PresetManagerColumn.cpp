@@ -5,17 +5,26 @@
 #include "browser/browser_strings.h"
 #include "browser/zb_PresetManager.h"
 
-/** Width of the zone at the end of a row that is its star, in units. */
-static constexpr float kStarUnits = 3.0f;
-
 /** Height of a row in units. */
 static constexpr float kRowUnits = 2.5f;
+
+/** A list that leaves the return key to its column, with a selected row as without one. */
+class ColumnList : public juce::ListBox
+{
+public:
+    using juce::ListBox::ListBox;
+
+    bool keyPressed (const juce::KeyPress& key) override
+    {
+        return ! key.isKeyCode (juce::KeyPress::returnKey) && juce::ListBox::keyPressed (key);
+    }
+};
 
 zb_PresetManagerColumn::zb_PresetManagerColumn (juce::Component& browser,
                                                 const BrowserLook& browserLook,
                                                 const juce::ValueTree& node, int index)
     : owner (browser), tree (node), columnIndex (index),
-      listBox (std::make_unique<juce::ListBox> (juce::String(), this)), look (browserLook),
+      listBox (std::make_unique<ColumnList> (juce::String(), this)), look (browserLook),
       folderIcon (makeFolderIcon()), favoritesIcon (makeFavoritesIcon()), starOn (makeStarOn()),
       starOff (makeStarOff()),
       sampleImage (
@@ -78,8 +87,7 @@ juce::String zb_PresetManagerColumn::getNameForRow (int row)
     return itemAt (row)["name"].toString();
 }
 
-/** Whether a row is one that can be heard, and so has a star. */
-static bool isPreset (const juce::ValueTree& item)
+bool zb_PresetManagerColumn::isPreset (const juce::ValueTree& item)
 {
     return item.hasType (typeString[kPresetNode]) || item.hasType (typeString[kSampleNode]);
 }
@@ -93,7 +101,7 @@ void zb_PresetManagerColumn::listBoxItemClicked (int row, const juce::MouseEvent
     const auto item = itemAt (row);
     const auto path = item["path"].toString();
     const auto starStart =
-        static_cast<float> (listBox->getRowPosition (row, true).getWidth()) - kStarUnits * unit;
+        static_cast<float> (listBox->getRowPosition (row, true).getWidth()) - kStarZone * unit;
 
     if (isPreset (item) && event.position.x >= starStart && path.isNotEmpty())
         toggleStarLater (path);
@@ -125,11 +133,6 @@ void zb_PresetManagerColumn::listBoxItemDoubleClicked (int row, const juce::Mous
 }
 
 // --- keys ----------------------------------------------------------------------------------------------
-
-void zb_PresetManagerColumn::returnKeyPressed (int)
-{
-    manager().close();  // a list with a selected row keeps the key from keyPressed
-}
 
 bool zb_PresetManagerColumn::keyPressed (const juce::KeyPress& key)
 {

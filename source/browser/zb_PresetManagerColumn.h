@@ -32,7 +32,6 @@ public:
     void listBoxItemClicked (int row, const juce::MouseEvent& event) override;
     void listBoxItemDoubleClicked (int row, const juce::MouseEvent& event) override;
     void selectedRowsChanged (int lastRow) override;
-    void returnKeyPressed (int lastRow) override;
 
     void mouseDown (const juce::MouseEvent& event) override;
     void mouseDrag (const juce::MouseEvent& event) override;
@@ -61,6 +60,12 @@ public:
     juce::String dragPath;      ///< path of that row; empty where it can't be dragged
 
 private:
+    /** Width of the zone at the end of a row that is its star, in units. */
+    static constexpr float kStarZone = 3.0f;
+
+    /** Whether a row is one that can be heard, and so has a star. */
+    static bool isPreset (const juce::ValueTree& item);
+
     zb_PresetManager& manager() const;
     juce::ValueTree itemAt (int row) const { return tree.getChild (row); }
     int rowAt (juce::Point<int> position) const;

@@ -2,6 +2,7 @@
 #include "browser/zb_PresetManagerDeleteWindow.h"
 
 #include "browser/zb_PresetManager.h"
+#include "state/folder_listing.h"
 
 zb_PresetManagerDeleteWindow::zb_PresetManagerDeleteWindow (zb_PresetManager& manager,
                                                             const juce::String& fullPath)
@@ -68,7 +69,7 @@ void zb_PresetManagerDeleteWindow::deleteForGood()
     const juce::File file (path);
     const auto openFolders = owner.getCurrentPath();
 
-    if (! (file.isDirectory() ? file.deleteRecursively() : file.deleteFile()))
+    if (! (file.isDirectory() ? deleteFolder (file) : file.deleteFile()))
         return;
 
     owner.folderChanged (openFolders);

@@ -98,6 +98,9 @@ juce::File zb_PresetManager::targetFolder() const
 
 void zb_PresetManager::chooseImport()
 {
+    if (busyCover != nullptr)
+        return;
+
     const SafePointer<zb_PresetManager> stillThere (this);
     juce::FileChooser chooser ("Import Preset Or Zip...",
                                juce::File::getSpecialLocation (juce::File::userDesktopDirectory));
@@ -106,26 +109,48 @@ void zb_PresetManager::chooseImport()
         importFile (chooser.getResult());
 }
 
+/** Unpacks an archive and keeps the window alive; false if the browser has gone meanwhile. The cover stays, for the
+    rebuild that follows. */
+bool zb_PresetManager::unpackUnderCover (const juce::File& archive, const juce::File& target)
+{
+    constexpr juce::uint32 kBetweenSlicesMs = 50;
+    const SafePointer<zb_PresetManager> stillThere (this);
+    busyCover = std::make_unique<BusyCover> (*this, juce::translate ("Unarchiving"));
+
+    bool running = BusyCover::letLoopRun();
+    auto last = juce::Time::getMillisecondCounter();
+    unpackArchive (archive, target,
+                   [&]
+                   {
+                       if (juce::Time::getMillisecondCounter() - last > kBetweenSlicesMs)
+                       {
+                           running = running && BusyCover::letLoopRun();
+                           last = juce::Time::getMillisecondCounter();
+                       }
+
+                       return running && stillThere != nullptr;
+                   });
+
+    return stillThere != nullptr;
+}
+
 void zb_PresetManager::importFile (const juce::File& file)
 {
     JUCE_ASSERT_MESSAGE_THREAD
+
+    if (busyCover != nullptr)
+        return;
+
     const auto folder = targetFolder();
     const auto openFolders = getCurrentPath();
     const auto extension = file.getFileExtension();
 
     if (extension == ".zip" || extension == ".ZIP")
     {
-        if (const auto target = folderForArchive (file, folder); target != juce::File())
-        {
-            // A large archive takes its seconds: the cursor tells.
-            if (isShowing())
-                juce::MouseCursor::showWaitCursor();
+        const auto target = folderForArchive (file, folder);
 
-            unpackArchive (file, target);
-
-            if (isShowing())
-                juce::MouseCursor::hideWaitCursor();
-        }
+        if (target != juce::File() && ! unpackUnderCover (file, target))
+            return;
     }
     else if (file.hasFileExtension (kPresetExtension))
     {
@@ -139,6 +164,7 @@ void zb_PresetManager::importFile (const juce::File& file)
     }
 
     rebuildAndReopen (openFolders);
+    busyCover.reset();
 }
 
 // --- export --------------------------------------------------------------------------------------------

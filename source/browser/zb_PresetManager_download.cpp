@@ -5,15 +5,6 @@
 
 // The download of factory content, for products that offer it.
 
-/** How long the message loop runs between two looks at the download, ms. */
-static constexpr int kSliceMs = 10;
-
-/** Runs the message loop for a moment; false if the program is about to end. */
-static bool runLoop()
-{
-    return juce::MessageManager::getInstance()->runDispatchLoopUntil (kSliceMs);
-}
-
 juce::File zb_PresetManager::downloadTarget() const
 {
     return presetFolder.getChildFile ("fact.zip");
@@ -40,7 +31,7 @@ void zb_PresetManager::downloadFactoryContent()
     {
         downloadPanel->updatePanel (juce::translate ("Downloading"), downloadListener->fraction,
                                     false);
-        running = runLoop();
+        running = BusyCover::letLoopRun();
 
         if (stillThere == nullptr)
             return;
@@ -52,7 +43,7 @@ void zb_PresetManager::downloadFactoryContent()
     if (running)
     {
         downloadPanel->updatePanel (juce::translate ("Downloading"), 1.0f, true);
-        runLoop();  // lets the panel paint: unpacking keeps the thread
+        BusyCover::letLoopRun();  // lets the panel paint: unpacking keeps the thread
 
         if (stillThere == nullptr)
             return;

@@ -32,7 +32,8 @@ void zb_PresetManager::addColumn (const juce::ValueTree& node)
     // What covers the columns goes on covering them.
     for (juce::Component* const overlay : { static_cast<juce::Component*> (deleteWindow.get()),
                                             static_cast<juce::Component*> (saveWindow.get()),
-                                            static_cast<juce::Component*> (downloadPanel.get()) })
+                                            static_cast<juce::Component*> (downloadPanel.get()),
+                                            static_cast<juce::Component*> (busyCover.get()) })
         if (overlay != nullptr)
             overlay->toFront (false);
 }
@@ -119,9 +120,7 @@ static int indexOfFile (const juce::ValueTree& node, const juce::String& fileNam
 
 void zb_PresetManager::navigateToCurrentPreset()
 {
-    if (! juce::isPositiveAndBelow (processor.currentProgram, presetFiles.size()))
-        return;
-
+    // Beyond the list this is no file, and so not one that exists.
     const auto file = presetFiles[processor.currentProgram];
 
     if (! file.existsAsFile())

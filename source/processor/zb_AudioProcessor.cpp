@@ -2,6 +2,7 @@
 #include "processor/zb_AudioProcessor.h"
 
 #include "state/document_guard.h"
+#include "state/folder_listing.h"
 #include "state/name_cache.h"
 #include "state/preset_document.h"
 
@@ -38,7 +39,7 @@ int zb_AudioProcessor::getNumPrograms()
 int zb_AudioProcessor::getCurrentProgram()
 {
     const juce::SpinLock::ScopedLockType lock (programListLock);
-    return juce::jlimit (0, juce::jmax (1, programList.size()) - 1, currentProgram);
+    return juce::jlimit (0, juce::jmax (1, programList.size()) - 1, currentProgram.load());
 }
 
 void zb_AudioProcessor::setCurrentProgram (int index)
@@ -61,14 +62,14 @@ void zb_AudioProcessor::setCurrentProgram (int index)
 
     loadStateFromXML (document.get());
 
-    {
-        const juce::SpinLock::ScopedLockType lock (programListLock);
-        currentProgram = index;
-    }
-
+    currentProgram = index;
     updateHostDisplay (stateChanged());
+    editorRepaint.triggerAsyncUpdate();
+}
 
-    if (auto* const editor = getActiveEditor())
+void zb_AudioProcessor::EditorRepaint::handleAsyncUpdate()
+{
+    if (auto* const editor = owner.getActiveEditor())
         editor->repaint();
 }
 
@@ -113,14 +114,10 @@ void zb_AudioProcessor::refreshProgramList()
     if (! programFolder.isDirectory())
         return;
 
-    auto files = programFolder.findChildFiles (
-        juce::File::findFiles | juce::File::ignoreHiddenFiles, true, "*.zbpreset");
-    files.sort();
-
     const auto names = readNameCache (programFolder);
     juce::Array<PresetInfo> fresh;
 
-    for (const auto& file : files)
+    for (const auto& file : listPresetsBelow (programFolder))
     {
         auto path = file.getRelativePathFrom (programFolder);
 

@@ -3,6 +3,8 @@
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
+#include <atomic>
+
 /** A row of the program list. */
 struct PresetInfo
 {
@@ -58,15 +60,30 @@ public:
     /** What the host is told after every change of the sound that it didn't make. */
     static juce::AudioProcessorListener::ChangeDetails stateChanged();
 
-    juce::String presetName;      ///< without the lock only to be read, and by the message thread
-    juce::String stateTag;        ///< root tag of this product's documents
-    int currentProgram = 0;       ///< index of the present preset in the browser's list
-    juce::URL factoryContentUrl;  ///< where more presets can be had; empty in this product
+    juce::String presetName;  ///< through the two functions above; directly by tests alone
+    juce::String stateTag;    ///< root tag of this product's documents
+    std::atomic<int> currentProgram { 0 };  ///< index of the present preset in the browser's list
+    juce::URL factoryContentUrl;         ///< where more presets can be had; empty in this product
     bool factoryContentOffered = false;  ///< whether that is offered
     juce::Array<PresetInfo> programList;
-    juce::SpinLock programListLock;  ///< guards programList, presetName and currentProgram
+    juce::SpinLock programListLock;  ///< guards programList and presetName
     juce::File programFolder;        ///< root of the list; empty in this product
 
 private:
+    /** Repaints the editor from the message thread, wherever it was asked for: the preset's name is in it. */
+    class EditorRepaint : public juce::AsyncUpdater
+    {
+    public:
+        explicit EditorRepaint (zb_AudioProcessor& processor) : owner (processor) {}
+        ~EditorRepaint() override { cancelPendingUpdate(); }
+
+        void handleAsyncUpdate() override;
+
+    private:
+        zb_AudioProcessor& owner;
+    };
+
+    EditorRepaint editorRepaint { *this };
+
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (zb_AudioProcessor)
 };

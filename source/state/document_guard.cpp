@@ -2,50 +2,10 @@
 #include "state/document_guard.h"
 
 #include "state/document_scanner.h"
+#include "state/utf8.h"
 #include "state/whole_file.h"
 
 #include <string_view>
-
-/** Bytes of the character that begins with this one, 0 if none does. */
-static std::size_t sequenceLength (unsigned char first) noexcept
-{
-    if (first < 0x80)
-        return 1;
-
-    if (first < 0xc2 || first > 0xf4)
-        return 0;
-
-    return first < 0xe0 ? 2 : (first < 0xf0 ? 3 : 4);
-}
-
-/** Whether the text is well-formed UTF-8, as RFC 3629 has it. The framework's own test lets a two-byte
-    character end with any byte, and its pointers then jump over quotes, brackets or the end. */
-static bool isUtf8 (std::string_view text) noexcept
-{
-    while (! text.empty())
-    {
-        const auto byteAt = [&text] (std::size_t i)
-        { return static_cast<unsigned char> (text[i]); };
-        const auto first = byteAt (0);
-        const auto length = sequenceLength (first);
-
-        if (length == 0 || length > text.size())
-            return false;
-
-        for (std::size_t i = 1; i < length; ++i)
-            if ((byteAt (i) & 0xc0) != 0x80)
-                return false;
-
-        // Longer than needed, half of a surrogate pair, beyond the last code point.
-        if ((first == 0xe0 && byteAt (1) < 0xa0) || (first == 0xed && byteAt (1) > 0x9f) ||
-            (first == 0xf0 && byteAt (1) < 0x90) || (first == 0xf4 && byteAt (1) > 0x8f))
-            return false;
-
-        text.remove_prefix (length);
-    }
-
-    return true;
-}
 
 static std::unique_ptr<juce::XmlElement> parseText (const juce::String& text,
                                                     const DocumentLimits& limits)

@@ -2,6 +2,7 @@
 #include "state/first_run_install.h"
 
 #include "state/document_guard.h"
+#include "state/folder_listing.h"
 #include "state/whole_file.h"
 
 #if ! JUCE_WINDOWS
@@ -57,10 +58,9 @@ static bool isAbandoned (const juce::File& staging)
 
 static void removeAbandonedStaging (const juce::File& presetFolder)
 {
-    for (const auto& folder : presetFolder.findChildFiles (juce::File::findDirectories, false,
-                                                           juce::String (kStagingPrefix) + "*"))
-        if (isAbandoned (folder))
-            folder.deleteRecursively();
+    for (const auto& [file, isFolder] : listEntries (presetFolder))
+        if (isFolder && file.getFileName().startsWith (kStagingPrefix) && isAbandoned (file))
+            deleteFolder (file);
 }
 
 /** Unpacks all of the archive into a new folder, which has a "User" then; false if anything did not get
@@ -135,7 +135,7 @@ void installFirstRunContent (const juce::File& presetFolder, const void* archive
     // when it is killed stays for good: one folder of some hundred kilobytes, which is hidden.
     presetFolder.createDirectory();
     removeAbandonedStaging (presetFolder);
-    presetFolder.getChildFile (kResourceForks).deleteRecursively();
+    deleteFolder (presetFolder.getChildFile (kResourceForks));
 
     juce::MemoryInputStream stream (archive, numBytes, false);
     juce::ZipFile zip (stream);

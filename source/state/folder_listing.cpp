@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "state/folder_listing.h"
 
+#include "state/utf8.h"
 #include "state/whole_file.h"
 
 #include <algorithm>
@@ -10,7 +11,13 @@
 
 namespace fs = std::filesystem;
 
-/** Calls visit with each entry of a folder. */
+static bool isNameable (const fs::path& name)
+{
+    const auto bytes = name.u8string();
+    return isUtf8 ({ reinterpret_cast<const char*> (bytes.data()), bytes.size() });
+}
+
+/** Calls visit with each entry of a folder that a File can name. */
 template <typename Visit>
 static void forEachEntry (const fs::path& folder, Visit&& visit)
 {
@@ -22,7 +29,9 @@ static void forEachEntry (const fs::path& folder, Visit&& visit)
          ! failure && entry != end; entry.increment (failure))
     {
         std::error_code unknown;
-        visit (*entry, entry->is_directory (unknown));
+
+        if (isNameable (entry->path().filename()))
+            visit (*entry, entry->is_directory (unknown));
     }
 }
 
@@ -105,4 +114,41 @@ int countFilesBelow (const juce::File& folder, juce::StringRef extension)
                       count += ! isFolder && nameOf (entry).endsWithIgnoreCase (extension) ? 1 : 0;
                   });
     return count;
+}
+
+/** Whether file, which is below folder, is hidden or in a hidden folder. */
+static bool isOutOfSight (juce::File file, const juce::File& folder)
+{
+    for (; file != folder; file = file.getParentDirectory())
+        if (file.isHidden())
+            return true;
+
+    return false;
+}
+
+juce::Array<juce::File> listPresetsBelow (const juce::File& folder)
+{
+    juce::Array<juce::File> presets;
+
+    for (const auto& [file, isFolder] : listEntriesBelow (folder))
+        if (! isFolder && file.hasFileExtension (kPresetExtension) && ! isOutOfSight (file, folder))
+            presets.add (file);
+
+    std::sort (presets.begin(), presets.end(), comesBefore);
+    return presets;
+}
+
+bool comesBefore (const juce::File& a, const juce::File& b)
+{
+    const auto& pathA = a.getFullPathName();
+    const auto& pathB = b.getFullPathName();
+    const int order = pathA.compareIgnoreCase (pathB);
+    return order != 0 ? order < 0 : pathA < pathB;
+}
+
+bool deleteFolder (const juce::File& folder)
+{
+    std::error_code failure;
+    fs::remove_all (filesystemPath (folder), failure);
+    return ! failure;
 }

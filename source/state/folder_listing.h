@@ -5,6 +5,9 @@
 
 #include <vector>
 
+/** Extension of preset files, its dot included; compared without regard to case. Stored: never edit. */
+inline constexpr auto kPresetExtension = ".zbpreset";
+
 /** A file or a folder in a folder. */
 struct FolderEntry
 {
@@ -12,8 +15,9 @@ struct FolderEntry
     bool isFolder = false;  ///< a folder, or a link to one
 };
 
-/** All files and folders right in a folder, hidden ones included, in no order; empty if it can't be read. Asks
-    the system about links alone, where the framework's own listing asks about every file. Any thread. */
+/** All files and folders right in a folder, hidden ones included, in no order; empty if it can't be read. Leaves
+    out names that are no UTF-8: no File can have them, and the framework's own listing writes beyond its memory
+    there. Asks the system about links alone, where that one asks about every file. Any thread. */
 std::vector<FolderEntry> listEntries (const juce::File& folder);
 
 /** The same of a folder and all folders below it, those behind links included; leaves out a link that leads
@@ -23,3 +27,15 @@ std::vector<FolderEntry> listEntriesBelow (const juce::File& folder);
 /** Number of files in a folder and below it, by the same rules, whose extension, its dot included, is the given
     one in any case. Any thread. */
 int countFilesBelow (const juce::File& folder, juce::StringRef extension);
+
+/** The preset files in a folder and below it, by the same rules but without those that are hidden or in a hidden
+    folder, in the order of comesBefore. Any thread. */
+juce::Array<juce::File> listPresetsBelow (const juce::File& folder);
+
+/** The order in which presets and folders are shown: by path, ignoring case; case decides between those that differ
+    in nothing else, which the system may tell apart. Any thread. */
+bool comesBefore (const juce::File& a, const juce::File& b);
+
+/** Deletes a folder with all that is in it, whatever the names; of a link, the link alone. False if anything is
+    left. Any thread. */
+bool deleteFolder (const juce::File& folder);

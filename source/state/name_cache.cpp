@@ -49,7 +49,7 @@ bool readCurrentNameCache (const juce::File& presetFolder, KnownPresets& known)
 
     if (cache == nullptr || ! hasTag (*cache, kCacheTag) ||
         cache->getIntAttribute (kVersion) != kPresentVersion ||
-        cache->getIntAttribute (kFileCount, -1) != countFilesBelow (presetFolder, ".zbpreset"))
+        cache->getIntAttribute (kFileCount, -1) != countFilesBelow (presetFolder, kPresetExtension))
         return false;
 
     known.clear();

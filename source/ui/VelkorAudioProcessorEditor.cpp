@@ -138,6 +138,8 @@ void VelkorAudioProcessorEditor::resized()
     velkor.writeGlobals();
     shared->scale = u;
 
+    // A fade ends by putting back the bounds that it began with.
+    juce::Desktop::getInstance().getAnimator().cancelAnimation (presetManager.get(), true);
     presetManager->setBounds (getLocalBounds());
     presetManager->setAlwaysOnTop (true);
     aboutButton->setBounds (truncated (2.0f * u, 1.5f * u, 10.0f * u, 3.0f * u));

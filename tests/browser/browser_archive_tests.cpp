@@ -4,6 +4,8 @@
 #include "browser/archive_import.h"
 #include "browser/browser_fixture.h"
 
+#include <cstdlib>
+#include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -162,6 +164,43 @@ TEST_F (BrowserArchives, KeepWhatIsThereWhereTheyAreDamaged)
     EXPECT_EQ (contents (homeFile ("out")), "good=g kept=kept");
 }
 
+TEST_F (BrowserArchives, MayHaveNamesInAnEightBitEncoding)
+{
+    // Three bytes that begin longer characters than they are, and a letter written longer than it needs.
+    auto archive = makeArchive ({ { "Pi#ce & quatre.zbpreset", "x" }, { "d#/%%%%%%/y", "y" } });
+    replaceBytes (archive, "#", "\xe8");
+    replaceBytes (archive, "&", "\xe0");
+    replaceBytes (archive, "%%%%%%", "\xc1\xa1\xc1\xa1\xc1\xa1");
+    EXPECT_EQ (unpackArchive (put ("Pack.zip", archive), lib ("Pack")), 2);
+    EXPECT_EQ (
+        contents (lib ("Pack")),
+        juce::String::fromUTF8 ("Pi\xc3\xa8"
+                                "ce \xc3\xa0 quatre.zbpreset=x "
+                                "d\xc3\xa8/ "
+                                "d\xc3\xa8/\xc3\x81\xc2\xa1\xc3\x81\xc2\xa1\xc3\x81\xc2\xa1/ "
+                                "d\xc3\xa8/\xc3\x81\xc2\xa1\xc3\x81\xc2\xa1\xc3\x81\xc2\xa1/y=y"));
+    open();
+    select (0, "Pack");
+    EXPECT_TRUE (rows (1).startsWith (juce::String::fromUTF8 ("d\xc3\xa8|"))) << rows (1);
+}
+
+TEST_F (BrowserArchives, OfPathsBeyondReasonLeaveThoseOut)
+{
+    const auto levels = [] (int n) { return juce::String::repeatedString ("a/", n); };
+    const auto wide = [] (int n) { return juce::String::repeatedString ("n", n); };
+    const auto archive = put ({ { levels (32000), "" },
+                                { levels (64) + "x", "x" },
+                                { levels (63) + "x", "x" },
+                                { "b/" + wide (256), "x" },
+                                { wide (200), "w" },
+                                { "c/" + juce::String::repeatedString (wide (200) + "/", 21), "" },
+                                { "end", "e" } });
+    EXPECT_EQ (unpackArchive (archive, homeFile ("out")), 3);
+    EXPECT_EQ (homeFile ("out").getNumberOfChildFiles (juce::File::findFilesAndDirectories), 3);
+    EXPECT_EQ (homeFile ("out").getChildFile (levels (63) + "x").loadFileAsString(), "x");
+    EXPECT_FALSE (homeFile ("out").getChildFile (levels (64)).exists());
+}
+
 TEST_F (BrowserArchives, DoNotFillTheDisk)
 {
     const std::string zeros (static_cast<std::size_t> (kSmallContents) / 2, '\0');
@@ -234,6 +273,84 @@ TEST_F (BrowserArchives, ImportUnpacksIntoTheSelectedFolderAndShowsIt)
     EXPECT_EQ (rows (0), "A|Pack");
 }
 
+TEST_F (BrowserArchives, EndBetweenTwoEntriesWhenTold)
+{
+    int asked = 0;
+    EXPECT_EQ (unpackArchive (put ({ { "a", "a" }, { "b", "b" }, { "c", "c" }, { "d", "d" } }),
+                              homeFile ("out"), [&] { return ++asked < 3; }),
+               2);
+    EXPECT_EQ (asked, 3);
+    EXPECT_EQ (contents (homeFile ("out")), "a=a b=b");
+}
+
+/** Looks at an import from the message loop, again and again. */
+class Onlooker : public juce::Timer
+{
+public:
+    explicit Onlooker (std::function<void()> lookAtIt) : look (std::move (lookAtIt))
+    {
+        startTimer (5);
+    }
+
+    ~Onlooker() override { stopTimer(); }
+
+    void timerCallback() override { look(); }
+
+private:
+    const std::function<void()> look;
+};
+
+TEST_F (BrowserArchives, ImportOfManyFilesKeepsTheWindowAlive)
+{
+    constexpr int kFiles = 4000;
+    std::vector<ArchiveEntry> entries;
+
+    for (int i = 0; i < kFiles; ++i)
+        entries.push_back ({ "p" + juce::String (i) + ".zbpreset", "x" });
+
+    const auto archive = put (entries);
+    const auto other = put ("Other.zip", makeArchive ({ { "o", "o" } }));
+    const auto last = lib ("Pack/p" + juce::String (kFiles - 1) + ".zbpreset");
+    open();
+    bool seenHalfWay = false;
+
+    {
+        const Onlooker onlooker (
+            [&]
+            {
+                seenHalfWay |= lib ("Pack/p0.zbpreset").exists() && ! last.exists();
+
+                if (browser().busyCover != nullptr)
+                {
+                    EXPECT_EQ (browser().busyCover->getBounds(), browser().getLocalBounds());
+                    browser().importFile (other);  // one at a time
+                }
+            });
+        browser().importFile (archive);
+    }
+
+    EXPECT_TRUE (seenHalfWay);
+    EXPECT_TRUE (last.exists());
+    EXPECT_EQ (browser().busyCover, nullptr);
+    EXPECT_EQ (rows (0), "Pack");
+
+    // And the browser may go half-way.
+    ASSERT_TRUE (lib ("Pack").deleteRecursively());
+
+    {
+        const Onlooker onlooker (
+            [&]
+            {
+                if (lib ("Pack/p0.zbpreset").exists())
+                    manager.reset();
+            });
+        browser().importFile (archive);
+    }
+
+    EXPECT_EQ (manager, nullptr);
+    EXPECT_FALSE (last.exists());
+}
+
 TEST_F (BrowserArchives, ImportOfAPresetLoadsItAndSavesIt)
 {
     putPreset ("A/one.zbpreset", "One");
@@ -289,6 +406,28 @@ TEST_F (BrowserArchives, ExportPacksAFolderWithAllThatIsInIt)
     EXPECT_EQ (contents (lib ("Set")), contents (homeFile ("was")));
     EXPECT_GT (contents (lib ("Set")).length(), 500);
     EXPECT_TRUE (archive.deleteFile());
+}
+
+TEST_F (BrowserArchives, ExportGoesAsideWhereItsNameIsTakenByWhatWeCannotReplace)
+{
+    putPreset ("Set/one.zbpreset", "One");
+    const auto desk = homeFile ("tmp");
+    putFile (desk.getChildFile ("Set.zip/somebody's"), "kept");
+    setenv ("TMPDIR", desk.getFullPathName().toRawUTF8(), 1);
+    const auto archive = exportFolder (lib ("Set"));
+    unsetenv ("TMPDIR");
+    EXPECT_EQ (archive.getFileName(), "Set.zip");
+    EXPECT_TRUE (archive.getParentDirectory().isAChildOf (desk));
+    EXPECT_EQ (juce::ZipFile (archive).getNumEntries(), 1);
+    EXPECT_EQ (contents (desk.getChildFile ("Set.zip")), "somebody's=kept");
+
+    // Nobody else has business there, and no half-written file stays behind.
+    struct stat status
+    {
+    };
+    ASSERT_EQ (stat (archive.getParentDirectory().getFullPathName().toRawUTF8(), &status), 0);
+    EXPECT_EQ (status.st_mode & 0777u, 0700u);
+    EXPECT_EQ (desk.getNumberOfChildFiles (juce::File::findFilesAndDirectories), 2);
 }
 
 TEST_F (BrowserArchives, ExportGoesRoundNoCircle)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "browser/browser_fixture.h"
 
+#include <fstream>
+
 BrowserTest::BrowserTest() : folder (homeFile ("Lib"))
 {
     folder.createDirectory();
@@ -18,6 +20,22 @@ void BrowserTest::putPreset (const juce::String& path, const juce::String& name,
                                            juce::String (delayMs) + "\"/></Parameters>",
                                        name)
                              .toStdString());
+}
+
+void BrowserTest::putStrangeNames (const juce::String& path) const
+{
+    std::string overlong;
+
+    for (int i = 0; i < 100; ++i)
+        overlong += "\xc1\x81";
+
+    for (const auto& name : { std::string ("Pi\xe8"
+                                           "ce \xe0 quatre voix et davantage"),
+                              overlong, std::string ("\xed\xa0\x80") })
+    {
+        std::ofstream out (lib (path).getFullPathName().toStdString() + "/" + name + ".zbpreset");
+        ASSERT_TRUE (out.good());
+    }
 }
 
 zb_PresetManager& BrowserTest::open (int width)

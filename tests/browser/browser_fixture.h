@@ -21,6 +21,9 @@ protected:
     void putPreset (const juce::String& path, const juce::String& name,
                     float delayMs = 100.0f) const;
 
+    /** Makes presets in a folder whose names are in other encodings than the system's, or in none. */
+    void putStrangeNames (const juce::String& path) const;
+
     /** Makes the browser anew, as a new editor does. */
     zb_PresetManager& open (int width = 900);
 

@@ -78,6 +78,46 @@ TEST_F (BrowserWindowKeys, ReturnClosesFromAListAndFromThePanel)
         { juce::KeyPress::rightKey, juce::ModifierKeys::altModifier, 0 }));
 }
 
+TEST_F (BrowserWindowKeys, ReturnWithAModifierIsAnotherKeyOnARowToo)
+{
+    show();
+    EXPECT_EQ (focusedColumn(), 2);
+
+    for (const auto modifier :
+         { juce::ModifierKeys::shiftModifier, juce::ModifierKeys::ctrlModifier,
+           juce::ModifierKeys::altModifier })
+    {
+        juce::ModifierKeys::currentModifiers = modifier;  // as the system's events leave them
+        EXPECT_FALSE (window.getPeer()->handleKeyPress (
+            juce::KeyPress (juce::KeyPress::returnKey, modifier, 0)));
+        EXPECT_TRUE (browser().isVisible());
+    }
+
+    juce::ModifierKeys::currentModifiers = {};
+    key (juce::KeyPress::returnKey);
+    EXPECT_TRUE (hasClosed());
+}
+
+TEST_F (BrowserWindowKeys, TheTabKeyReachesTheDownloadOnlyWhereItIsOffered)
+{
+    for (const bool offered : { false, true })
+    {
+        processor.factoryContentOffered = offered;
+        show();
+        bool reached = false;
+
+        for (const auto modifiers :
+             { juce::ModifierKeys(), juce::ModifierKeys (juce::ModifierKeys::shiftModifier) })
+            for (int i = 0; i < 20; ++i)
+            {
+                key (juce::KeyPress::tabKey, 0, modifiers);
+                reached |= browser().buttons[kDownloadCommand]->hasKeyboardFocus (false);
+            }
+
+        EXPECT_EQ (reached, offered);
+    }
+}
+
 TEST_F (BrowserWindowKeys, SaveByTyping)
 {
     show();

@@ -210,6 +210,36 @@ TEST_F (BrowserWindowMouse, ADragThatMovesNothingChangesNothing)
     pump (300);
 }
 
+TEST_F (BrowserWindowMouse, TheScrollBarDragsNoRow)
+{
+    for (int i = 0; i < 60; ++i)
+        putPreset ("A/p" + juce::String (i) + ".zbpreset", "P" + juce::String (i));
+
+    show();
+    click (onRow (0, "A"));
+    auto& bar = browser().getColumn (1)->listBox->getVerticalScrollBar();
+    ASSERT_TRUE (bar.isVisible());
+    const auto thumb = window.getLocalPoint (&bar, juce::Point<float> (2.0f, 20.0f));
+    press (thumb);
+    moveTo (thumb.translated (0.0f, 60.0f));
+    EXPECT_FALSE (browser().isDragAndDropActive());
+    EXPECT_GT (bar.getCurrentRangeStart(), 0.0);
+    moveTo (onRow (0, "B"));
+    release (onRow (0, "B"));
+    EXPECT_EQ (lib ("B").getNumberOfChildFiles (juce::File::findFiles), 1);
+    EXPECT_EQ (lib ("A").getNumberOfChildFiles (juce::File::findFiles), 62);
+
+    // A drop on it is one beside the rows: it goes to the column's own folder, not to the one of the row there.
+    for (int i = 0; i < 60; ++i)
+        lib ("A/a folder " + juce::String (i)).createDirectory();
+
+    putPreset ("A/a folder 0/Deep.zbpreset", "Deep");
+    browser().rebuildAndReopen ({ "A", "a folder 0" });
+    drag (onRow (2, "Deep"), thumb);
+    EXPECT_TRUE (lib ("A/Deep.zbpreset").existsAsFile());
+    pump (300);
+}
+
 TEST_F (BrowserWindowMouse, TheEndOfADragOfASelectedRowIsNoClick)
 {
     show();

@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "browser/browser_fixture.h"
 #include "browser/preset_words.h"
+#include "support/small_disk.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <set>
 #include <sys/resource.h>
+#include <unistd.h>
 
 /** Files can't grow beyond a hundred bytes while this lives. */
-class SmallDisk
+class FileSizeLimit
 {
 public:
-    SmallDisk()
+    FileSizeLimit()
     {
         signal (SIGXFSZ, SIG_IGN);
         getrlimit (RLIMIT_FSIZE, &before);
@@ -18,10 +21,10 @@ public:
         setrlimit (RLIMIT_FSIZE, &small);
     }
 
-    ~SmallDisk() { setrlimit (RLIMIT_FSIZE, &before); }
+    ~FileSizeLimit() { setrlimit (RLIMIT_FSIZE, &before); }
 
-    SmallDisk (const SmallDisk&) = delete;
-    SmallDisk& operator= (const SmallDisk&) = delete;
+    FileSizeLimit (const FileSizeLimit&) = delete;
+    FileSizeLimit& operator= (const FileSizeLimit&) = delete;
 
 private:
     rlimit before {};
@@ -165,7 +168,7 @@ TEST_F (BrowserOverlays, SaveOverAFileReplacesItAndAFailedOneKeepsIt)
     const auto whole = bytesOf (lib ("User/two.zbpreset"));
 
     {
-        const SmallDisk full;
+        const FileSizeLimit full;
         browser().saveWindow->nameEditor.setText ("two");
         press (*browser().saveWindow, "COMMIT");
         ASSERT_NE (browser().saveWindow, nullptr);
@@ -180,6 +183,52 @@ TEST_F (BrowserOverlays, SaveOverAFileReplacesItAndAFailedOneKeepsIt)
     browser().saveWindow->nameEditor.setText ("third");
     press (*browser().saveWindow, "COMMIT");
     EXPECT_TRUE (lib ("User/third.zbpreset").existsAsFile());
+}
+
+TEST_F (BrowserOverlays, SaveIntoAReadOnlyFolderKeepsTheBoxAndTheFile)
+{
+    // Permissions don't stop root, which tests may run as: the folder is on a disk that takes no more writes. That
+    // takes another process of this program, in a namespace of its own, which finds the disk by this name.
+    static constexpr auto kDisk = "VELKOR_READ_ONLY_DISK";
+
+    if (const char* const disk = std::getenv (kDisk))
+    {
+        folder = juce::File (disk);
+        const auto whole = bytesOf (lib ("User/one.zbpreset"));
+        ASSERT_FALSE (whole.empty());
+        open();
+        browser().setVisible (true);
+        select (0, "User");
+
+        for (const auto* name : { "one", "new", "folder/new" })
+        {
+            save (name);
+            ASSERT_NE (browser().saveWindow, nullptr) << name;
+            EXPECT_TRUE (browser().isVisible());
+        }
+
+        EXPECT_EQ (bytesOf (lib ("User/one.zbpreset")), whole);
+        EXPECT_EQ (lib ("User").getNumberOfChildFiles (juce::File::findFilesAndDirectories), 1);
+        return;
+    }
+
+    if (const auto reason = whyNoSmallDisk(); ! reason.empty())
+        GTEST_SKIP() << reason;
+
+    const auto disk = homeFile ("disk").getFullPathName().toStdString();
+    ASSERT_TRUE (homeFile ("disk").createDirectory());
+    const auto fill = "mkdir \"" + disk + "/User\"; cp \"" +
+                      lib ("User/one.zbpreset").getFullPathName().toStdString() + "\" \"" + disk +
+                      "/User\"; mount -o remount,ro \"" + disk + "\"; export " + kDisk + "=\"" +
+                      disk + "\"";
+    const auto program =
+        juce::File ("/proc/self/exe").getLinkedTarget().getFullPathName().toStdString();
+    const auto* const self = testing::UnitTest::GetInstance()->current_test_info();
+    const auto command = onSmallDisk (disk, "size=64k", fill, "") + " \"" + program +
+                         "\" --gtest_filter=" + self->test_suite_name() + "." + self->name() +
+                         " >\"" + homeFile ("out.txt").getFullPathName().toStdString() + "\" 2>&1";
+    EXPECT_EQ (std::system (command.c_str()), 0) << bytesOf (homeFile ("out.txt"));
+    EXPECT_TRUE (bytesOf (homeFile ("out.txt")).find ("[  PASSED  ] 1 test.") != std::string::npos);
 }
 
 TEST_F (BrowserOverlays, CancelOfTheSaveBoxLeavesTheBrowserAndKeepsTheSound)
@@ -214,7 +263,6 @@ TEST_F (BrowserOverlays, RandomNamesAreTwoCapitalisedWordsOfTheLists)
     }
 
     EXPECT_GT (names.size(), 45u);
-    EXPECT_FALSE (lib ("User/one.zbpreset").loadFileAsString().isEmpty());
 }
 
 TEST_F (BrowserOverlays, WordListsHaveAThousandWordsEachAndNoneTwice)
@@ -223,10 +271,16 @@ TEST_F (BrowserOverlays, WordListsHaveAThousandWordsEachAndNoneTwice)
     {
         EXPECT_EQ (list->size(), 1000);
         EXPECT_EQ (std::set<juce::String> (list->begin(), list->end()).size(), 1000u);
+        std::set<juce::juce_wchar> initials;
 
         for (const auto& word : *list)
+        {
             EXPECT_TRUE (word.isNotEmpty() && word.containsOnly ("abcdefghijklmnopqrstuvwxyz"))
                 << word;
+            initials.insert (word[0]);
+        }
+
+        EXPECT_EQ (initials.size(), 26u);
     }
 
     EXPECT_TRUE (presetAdjectives.joinIntoString (" ").startsWith (
@@ -276,6 +330,22 @@ TEST_F (BrowserOverlays, DeleteTakesAPresetOrAFolderForGood)
     EXPECT_EQ (browser().deleteWindow, nullptr);  // that row has no path
 }
 
+TEST_F (BrowserOverlays, DeleteTakesAFolderWithNamesThatNoRowShows)
+{
+    putStrangeNames ("User");
+    putFile (homeFile ("elsewhere/kept"), "kept");
+    ASSERT_EQ (symlink (homeFile ("elsewhere").getFullPathName().toRawUTF8(),
+                        lib ("User/link").getFullPathName().toRawUTF8()),
+               0);
+    browser().makeNewTree();
+    select (0, "User");
+    command (kDeleteCommand);
+    press (*browser().deleteWindow, "Do it!");
+    EXPECT_EQ (browser().deleteWindow, nullptr);
+    EXPECT_FALSE (lib ("User").exists());
+    EXPECT_EQ (bytesOf (homeFile ("elsewhere/kept")), "kept");
+}
+
 TEST_F (BrowserOverlays, GoWithTheBrowser)
 {
     select (0, "User");
@@ -283,6 +353,15 @@ TEST_F (BrowserOverlays, GoWithTheBrowser)
     command (kDeleteCommand);
     ASSERT_NE (browser().saveWindow, nullptr);
     ASSERT_NE (browser().deleteWindow, nullptr);
+    const juce::Component::SafePointer<juce::Component> overlays[] = {
+        browser().saveWindow.get(), browser().deleteWindow.get()
+    };
+    browser().saveWindow->nameEditor.setText ("Posted");  // tells its listeners later
     manager.reset();
     pump();
+
+    for (const auto& overlay : overlays)
+        EXPECT_EQ (overlay.getComponent(), nullptr);
+
+    EXPECT_EQ (lib ("User").getNumberOfChildFiles (juce::File::findFiles), 2);
 }

@@ -3,6 +3,8 @@
 #include "state/state_carriers.h"
 #include "state_fixture.h"
 
+#include <unistd.h>
+
 class ProgramList : public StateTest
 {
 protected:
@@ -66,6 +68,25 @@ TEST_F (ProgramList, TurnedOnFindsTheNamesInFilesOfAllDialects)
     putFile (folder.getChildFile ("B/two.zbpreset"), "<VelkorSettings PresetName=\"Later\"/>");
     EXPECT_EQ (processor.getProgramName (2), "Two");
     EXPECT_EQ (processor.getProgramName (6), processor.presetName);
+}
+
+TEST_F (ProgramList, IgnoresTheCaseOfPathsAndExtensionsAndGoesRoundNoCircle)
+{
+    const auto put = [this] (const char* path, const juce::String& name)
+    {
+        putFile (homeFile ("programs").getChildFile (path),
+                 ("<VelkorSettings PresetName=\"" + name + "\"><Parameters/></VelkorSettings>")
+                     .toStdString());
+    };
+    put ("a/Z.ZBPRESET", "Zed");
+    put ("b/m.zbpreset", "Em");
+    put ("b/.away/n.zbpreset", "never");
+    ASSERT_EQ (symlink (homeFile ("programs").getFullPathName().toRawUTF8(),
+                        homeFile ("programs/b/up").getFullPathName().toRawUTF8()),
+               0);
+    turnOn();
+    EXPECT_EQ (names(), juce::StringArray (
+                            { "One", "Inner", "Zed", "Em", "Two", "broken", "empty", "Bare" }));
 }
 
 TEST_F (ProgramList, TakesNamesFromTheCacheOfAnyVersionAndCase)

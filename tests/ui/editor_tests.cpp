@@ -243,6 +243,35 @@ TEST_F (Editor, PresetFieldStepsAtItsEndsAndOpensTheBrowserBetween)
     EXPECT_TRUE (browser.undoState.contains ("VelkorSettings"));
 }
 
+TEST_F (Editor, BrowserCoversAWindowThatIsResizedDuringAFade)
+{
+    auto& browser = *childOf<zb_PresetManager> (*editor);
+    const auto pump = [] { juce::MessageManager::getInstance()->runDispatchLoopUntil (400); };
+
+    Pointer (*editor).press (400.0f, 20.0f);
+    editor->setSize (1200, 900);
+    pump();
+    EXPECT_TRUE (browser.isVisible());
+    EXPECT_EQ (browser.getAlpha(), 1.0f);
+    EXPECT_EQ (browser.getBounds(), editor->getLocalBounds());
+}
+
+TEST_F (Editor, ShowsAProgramThatAHostsThreadSetsOnceItsOwnThreadGetsToIt)
+{
+    processor.programFolder = processor.presetFolder;
+    processor.refreshProgramList();
+    editor.reset (dynamic_cast<VelkorAudioProcessorEditor*> (processor.createEditorIfNeeded()));
+    auto& repaints = RepaintCount::watch (*editor);
+    const auto ofAllOfIt = [&]
+    { return repaints.count - static_cast<int> (repaints.areas.size()); };
+
+    std::thread ([this] { processor.setCurrentProgram (3); }).join();
+    EXPECT_EQ (processor.getCurrentProgram(), 3);
+    EXPECT_EQ (ofAllOfIt(), 0);
+    juce::MessageManager::getInstance()->runDispatchLoopUntil (100);
+    EXPECT_GT (ofAllOfIt(), 0);
+}
+
 TEST_F (Editor, StarTogglesThePresetOfTheCurrentProgramOnly)
 {
     auto& browser = *childOf<zb_PresetManager> (*editor);
