@@ -35,3 +35,9 @@ count_per_frame() {
     awk -v n=$((long - short)) -v frames=$((long_frames / block * block - short_frames / block * block)) \
         'BEGIN { printf "%.1f", n / frames }'
 }
+
+# compiler_of BUILD_DIR: the C++ compiler's name and major version.
+compiler_of() {
+    sed -n -e 's/^set(CMAKE_CXX_COMPILER_ID "\(.*\)")/\1/p' -e 's/^set(CMAKE_CXX_COMPILER_VERSION "\([0-9]*\).*/\1/p' \
+        "$1"/CMakeFiles/*/CMakeCXXCompiler.cmake | tr '\n' ' ' | sed 's/ $//'
+}

@@ -2,10 +2,31 @@
 #include "patches.h"
 
 #include <algorithm>
+#include <charconv>
 #include <random>
+
+/** The number behind a prefix such as "routes:", from 0 to most; empty if name is something else. */
+static std::optional<int> numberBehind (std::string_view prefix, std::string_view name,
+                                        int most) noexcept
+{
+    if (! name.starts_with (prefix))
+        return std::nullopt;
+
+    name.remove_prefix (prefix.size());
+    int number = 0;
+    const auto [end, error] = std::from_chars (name.data(), name.data() + name.size(), number);
+    const bool isWhole = error == std::errc() && end == name.data() + name.size();
+    return isWhole && number >= 0 && number <= most ? std::optional (number) : std::nullopt;
+}
 
 std::optional<Patch> findPatch (std::string_view name) noexcept
 {
+    if (const auto number = numberBehind ("connections:", name, kMaxConnections))
+        return Patch { .name = name, .numConnections = *number };
+
+    if (const auto number = numberBehind ("routes:", name, kNumModSources * kNumModDests))
+        return Patch { .name = name, .numRoutes = *number };
+
     const auto* const found = std::ranges::find (kPatches, name, &Patch::name);
     return found != kPatches.end() ? std::optional (*found) : std::nullopt;
 }
@@ -54,6 +75,44 @@ void PatchedInstance::set (NumericalParamID id, float realValue)
     parameter->setValueNotifyingHost (parameter->convertTo0to1 (realValue));
 }
 
+void PatchedInstance::quietFeedback()
+{
+    // Where both lines lead straight into both lines, at unity: eight seconds between one doubling and the next, and
+    // saturators that limit, keep a patch from running away while anybody measures.
+    for (auto id : { Delay1Time, Delay2Time })
+        set (id, 1000.0f);
+
+    for (auto id : { Delay1Multiplier, Delay2Multiplier })
+        set (id, 3.0f);
+
+    for (auto id : { Delay1Feedback, Delay2Feedback, Saturation1, Saturation2 })
+        set (id, 0.5f);
+}
+
+void PatchedInstance::connect (int count)
+{
+    for (int source = 0; source < kNumSignalSources; ++source)
+        for (int destination = 0; destination < kNumSignalDests; ++destination)
+            processor.setSignalConnection (source, destination, false);
+
+    // Spread over the destinations. Without the shift by one after 40, half of the pairs never came up.
+    for (int i = 0; i < count; ++i)
+        processor.setSignalConnection ((i + i / 40) % kNumSignalSources, i % kNumSignalDests, true);
+
+    quietFeedback();
+}
+
+void PatchedInstance::route (int count)
+{
+    for (int i = 0; i < count; ++i)
+        processor.setModConnection (i % kNumModSources, i / kNumModSources, true);
+
+    // Small enough for the sums to stay inside most limits most of the time.
+    for (auto id : { Delay1Mod, Delay2Mod, LFO1Mod, LFO2Mod, Filter1Mod, Filter2Mod, Pan1Mod,
+                     Pan2Mod, Level1Mod, Level2Mod })
+        set (id, 0.1f);
+}
+
 void PatchedInstance::apply (const Patch& patch)
 {
     set (Delay1Fine, patch.speed1);
@@ -67,17 +126,14 @@ void PatchedInstance::apply (const Patch& patch)
             for (int destination = 0; destination < kNumSignalDests; ++destination)
                 processor.setSignalConnection (source, destination, true);
 
-        // Both lines lead straight into both lines now, at unity. Eight seconds between one doubling and
-        // the next, and saturators that limit, keep this from running away while anybody measures.
-        for (auto id : { Delay1Time, Delay2Time })
-            set (id, 1000.0f);
-
-        for (auto id : { Delay1Multiplier, Delay2Multiplier })
-            set (id, 3.0f);
-
-        for (auto id : { Delay1Feedback, Delay2Feedback, Saturation1, Saturation2 })
-            set (id, 0.5f);
+        quietFeedback();
     }
+
+    if (patch.numConnections >= 0)
+        connect (patch.numConnections);
+
+    if (patch.numRoutes >= 0)
+        route (patch.numRoutes);
 
     if (patch.isRunningAway)
         for (int source : { sourceSaturation1, sourceSaturation2, sourceInputL })
@@ -86,15 +142,7 @@ void PatchedInstance::apply (const Patch& patch)
 
     if (patch.isModulated)
     {
-        for (int source = 0; source < kNumModSources; ++source)
-            for (int dest = 0; dest < kNumModDests; ++dest)
-                processor.setModConnection (source, dest, true);
-
-        // Small enough for the sums to stay inside most limits most of the time.
-        for (auto id : { Delay1Mod, Delay2Mod, LFO1Mod, LFO2Mod, Filter1Mod, Filter2Mod, Pan1Mod,
-                         Pan2Mod, Level1Mod, Level2Mod })
-            set (id, 0.1f);
-
+        route (kNumModSources * kNumModDests);
         set (LFO1Wave, 1.0f);  // sine; a skewed one costs two table look-ups
         set (LFO1Skew, 0.3f);
         set (LFO2Wave, 3.0f);  // random

@@ -17,6 +17,9 @@ struct Patch
     bool isReversed = false;   ///< both lines
     float speed1 = 1.0f, speed2 = 1.0f;  ///< of the two lines' heads, 0.5 to 1.5
     bool isRunningAway = false;          ///< beyond all numbers within 64 frames, in every block
+    int numConnections =
+        -1;              ///< that many and no others, spread over the grid; as they are if negative
+    int numRoutes = -1;  ///< the same of the modulation matrix
 };
 
 inline constexpr std::array kPatches {
@@ -34,7 +37,8 @@ inline constexpr std::array kPatches {
 /** The default patch and saturators that feed themselves and each other. */
 inline constexpr Patch kRunaway { .name = "runaway", .isRunningAway = true };
 
-/** The patch of that name among kPatches; empty if there is none. */
+/** The patch of that name among kPatches, or the default one with as many connections or routes as a name such as
+    "connections:40" or "routes:12" says; empty if there is none. */
 std::optional<Patch> findPatch (std::string_view name) noexcept;
 
 /** White noise at a tenth of full scale, the same at every run. */
@@ -54,6 +58,9 @@ public:
 private:
     void set (NumericalParamID id, float realValue);
     void apply (const Patch& patch);
+    void connect (int count);
+    void route (int count);
+    void quietFeedback();
 
     VelkorAudioProcessor processor;
     std::vector<float> noiseLeft, noiseRight;

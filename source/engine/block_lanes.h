@@ -40,22 +40,23 @@ struct NodeTicks
 struct BlockLanes
 {
     Controls controls;
-    bool wasModulated;  ///< the tick before had routes
     StageGains gains;
-    LfoPlan plan1, plan2;
-    float filtersRate;  ///< the sample rate that the filters' coefficients were worked out for
     DelayPair delays;
     FilterPair filters;
     Floats feedbackOfInputs;  ///< amounts by destination: none, none, feedback 1, feedback 2
     Floats satKOfFilters;     ///< constants by destination: none, none, saturator 1, saturator 2
 
-    // The nodes' values have one of two forms, from one tick to the next.
-    bool isByNode = false;
+    // The nodes' values have one of two forms, from one tick to the next: isByNode tells which.
     DestLanes dests;  ///< of the last sample, by SignalDest
     Floats made;      ///< by the last sample: delay 1, delay 2, filter 1, filter 2
     float sources[ControlTick]
                  [kNumSignalSources];  ///< as each sample of the tick saw them, by SignalSource
     NodeTicks ticks;                   ///< the other form
+
+    LfoPlan plan1, plan2;
+    float filtersRate;      ///< the sample rate that the filters' coefficients were worked out for
+    bool wasModulated;      ///< the tick before had routes
+    bool isByNode = false;  ///< ticks holds the nodes' values
 };
 
 /** Sets up the parts of the lanes that setTick keeps: limits, bases and depths. The first tick of the block then works

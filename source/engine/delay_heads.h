@@ -123,8 +123,8 @@ public:
     {
         const Floats early = load (inputs);
         const Floats late = load (inputs + 4);
-        steadyWrite (pair, 0, __builtin_shufflevector (early, late, 0, 2, 4, 6));
-        steadyWrite (pair, 1, __builtin_shufflevector (early, late, 1, 3, 5, 7));
+        steadyWrite (pair, 0, firstOfPairs (early, late));
+        steadyWrite (pair, 1, secondOfPairs (early, late));
         steadyFinish (pair, upperPair (late));
     }
 

@@ -124,8 +124,7 @@ static StereoTick runSamples (BlockLanes& lanes, const SignalMatrix& matrix, Ste
     heads.finish();
     const Floats early = load (outputs);
     const Floats late = load (outputs + 4);
-    return { __builtin_shufflevector (early, late, 0, 2, 4, 6),
-             __builtin_shufflevector (early, late, 1, 3, 5, 7) };
+    return { firstOfPairs (early, late), secondOfPairs (early, late) };
 }
 
 // --- node by node ----------------------------------------------------------------------------------------------

@@ -100,6 +100,18 @@ inline Floats interleaveHigh (Floats a, Floats b) noexcept
     return __builtin_shufflevector (a, b, 2, 6, 3, 7);
 }
 
+/** a0 a2 b0 b2: the first values of the pairs in a and b. */
+inline Floats firstOfPairs (Floats a, Floats b) noexcept
+{
+    return __builtin_shufflevector (a, b, 0, 2, 4, 6);
+}
+
+/** a1 a3 b1 b3: the second values of the pairs in a and b. */
+inline Floats secondOfPairs (Floats a, Floats b) noexcept
+{
+    return __builtin_shufflevector (a, b, 1, 3, 5, 7);
+}
+
 inline Ints bitsOf (Floats x) noexcept
 {
     return std::bit_cast<Ints> (x);

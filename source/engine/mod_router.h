@@ -13,6 +13,7 @@
 
 inline constexpr int kNumModSources = 6;
 inline constexpr int kNumModDests = 10;
+static_assert (kNumModSources <= kMaxSources && kNumModDests <= kMaxDests);
 
 /** Indices into modSources; stored in presets as source: never edit. */
 enum ModSource

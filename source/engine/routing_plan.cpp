@@ -7,12 +7,11 @@ namespace
 {
 
 constexpr std::size_t kNumLanes = 12;
-constexpr std::int32_t kNumSources = 8;
 
 /** What of a destination's sources waits to be placed, in the list's order. */
 struct Queue
 {
-    std::array<RoutingEntry, kNumSources> entries;
+    std::array<RoutingEntry, kMaxSources> entries;
     int next = 0;
     int end = 0;
 
@@ -75,7 +74,7 @@ void appendMostWanted (RoutingPlan& plan, Queues& queues) noexcept
 
 void appendBySource (RoutingPlan& plan, Queues& queues) noexcept
 {
-    for (std::int32_t source = 0; source < kNumSources; ++source)
+    for (std::int32_t source = 0; source < kMaxSources; ++source)
         for (const auto& queue : queues)
             while (queue.head() != nullptr && queue.head()->source == source)
                 appendStep (plan, queues, *queue.head());

@@ -7,6 +7,11 @@
 #include <cstdint>
 #include <span>
 
+/** What either matrix holds at most. */
+inline constexpr int kMaxSources = 8;
+inline constexpr int kMaxDests = 10;
+inline constexpr int kMaxEntries = kMaxSources * kMaxDests;
+
 /** Destinations of either matrix, ten in twelve lanes; the last two stay idle. */
 struct DestLanes
 {
@@ -20,8 +25,6 @@ struct DestLanes
     Whoever changes the list compiles it anew, under the same lock. */
 struct RoutingPlan
 {
-    static constexpr int kMaxSteps = 80;
-
     struct Step
     {
         Ints takers[3];  ///< mask of the destinations that take the source
@@ -31,7 +34,7 @@ struct RoutingPlan
 
     Ints connected[3] {};  ///< mask of the destinations that have a source at all
     std::int32_t numSteps = 0;
-    std::array<Step, kMaxSteps> steps {};
+    std::array<Step, kMaxEntries> steps {};
 };
 
 /** One entry of a list: both numbers in range, each pair at most once. */
@@ -42,7 +45,7 @@ struct RoutingEntry
     float gain;
 };
 
-/** Compiles a list of at most 80 entries in time that goes with its length squared, some microseconds; allocates
+/** Compiles a list in time that goes with its length squared, some microseconds; allocates
     nothing. Any thread; the caller holds the lock of the plan's matrix. */
 void routing_plan_compile (RoutingPlan& plan, std::span<const RoutingEntry> list) noexcept;
 

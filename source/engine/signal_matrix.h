@@ -15,6 +15,7 @@
 inline constexpr int kNumSignalSources = 8;
 inline constexpr int kNumSignalDests = 10;
 inline constexpr int kMaxConnections = kNumSignalSources * kNumSignalDests;
+static_assert (kNumSignalSources <= kMaxSources && kNumSignalDests <= kMaxDests);
 
 /** Indices into signalSources; stored in presets as input: never edit. */
 enum SignalSource
