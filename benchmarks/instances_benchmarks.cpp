@@ -17,7 +17,7 @@ namespace
 {
 
 constexpr int kBlockSize = 512;
-constexpr int kBlocks = 64;  ///< of each instance, per measurement: 0.7 s of sound at 48 kHz
+constexpr int kBlocks = 4096;  ///< of each instance, per measurement: long beside what it takes to wake a thread
 
 using Instances = std::vector<std::unique_ptr<PatchedInstance>>;
 

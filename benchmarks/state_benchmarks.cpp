@@ -4,6 +4,7 @@
 #include "state/state_carriers.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <benchmark/benchmark.h>
 #include <chrono>
@@ -99,6 +100,21 @@ static void constructLater (benchmark::State& state)
         const VelkorAudioProcessor processor;
 }
 
+/** A second prepareToPlay: at the same rate, which silences what was written, or at another, which makes new buffers. */
+static void prepareAgain (benchmark::State& state)
+{
+    VelkorAudioProcessor processor;
+    const std::array rates { 48000.0, state.range (0) != 0 ? 96000.0 : 48000.0 };
+    std::size_t turn = 0;
+    processor.prepareToPlay (rates[turn], 512);
+
+    for (auto _ : state)
+    {
+        turn = 1 - turn;
+        processor.prepareToPlay (rates[turn], 512);
+    }
+}
+
 /** Watches a lock from another thread, at a look every few dozen nanoseconds, and notes how long it stays
     taken. What the system does to the thread that holds it is part of that, as it would be for the audio
     thread. */
@@ -160,4 +176,5 @@ BENCHMARK (saveDocument)->Arg (0)->Arg (1)->Unit (benchmark::kMicrosecond);
 BENCHMARK (saveFile)->Unit (benchmark::kMicrosecond);
 BENCHMARK (constructFirst)->Unit (benchmark::kMillisecond)->Iterations (20);
 BENCHMARK (constructLater)->Unit (benchmark::kMillisecond);
+BENCHMARK (prepareAgain)->Arg (0)->Arg (1)->ArgName ("otherRate")->Unit (benchmark::kMicrosecond);
 BENCHMARK (longestHold)->Arg (0)->Arg (1)->Unit (benchmark::kMicrosecond)->Iterations (5000);

@@ -65,6 +65,11 @@ void ModRouterCore::clear()
 
 ModMatrix::ModMatrix()
 {
+    // Room for two cache lines each: both are written in every tick, and must not share one with those of another
+    // instance, on another thread.
+    constexpr int kApart = 128 / sizeof (float);
+    modSources.ensureStorageAllocated (kApart);
+    modDests.ensureStorageAllocated (kApart);
     modSources.insertMultiple (0, 0.0f, kNumModSources);
     modDests.insertMultiple (0, 0.0f, kNumModDests);
 }
