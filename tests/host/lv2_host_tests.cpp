@@ -259,3 +259,14 @@ TEST_F (Lv2Host, IsToldOfEachParameterThatAStateHasChanged)
 
     EXPECT_GT (changed, 40);
 }
+
+TEST_F (Lv2Host, PassesItsInputWhileTheHostBypassesIt)
+{
+    const auto session = withoutEvents (makeSession (48000.0, 12));
+    Lv2Player hosted (bundle, 48000.0, session.maxBlock);
+    hosted.instance.setEnabled (false);
+    expectSameSamples (hosted.play (session), session.input);
+
+    hosted.instance.setEnabled (true);
+    expectWorthComparing (hosted.play (session), session);
+}

@@ -223,6 +223,11 @@ void Lv2Instance::sendMidi (std::int64_t frame, std::span<const std::uint8_t> by
     lv2_atom_forge_write (&impl->forge, bytes.data(), size);
 }
 
+void Lv2Instance::setEnabled (bool enabled)
+{
+    impl->enabled = enabled ? 1.0f : 0.0f;
+}
+
 void Lv2Instance::run (const float* inLeft, const float* inRight, float* outLeft, float* outRight,
                        std::uint32_t numSamples)
 {

@@ -32,6 +32,9 @@ public:
     void sendPosition (const Lv2Position& position);
     void sendMidi (std::int64_t frame, std::span<const std::uint8_t> bytes);
 
+    /** What the port "enabled" says from the next run on; true at first. */
+    void setEnabled (bool enabled);
+
     void run (const float* inLeft, const float* inRight, float* outLeft, float* outRight,
               std::uint32_t numSamples);
 

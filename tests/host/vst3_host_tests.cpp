@@ -268,3 +268,18 @@ TEST_F (Vst3Host, CarriesAStateFromOneInstanceToAnother)
     const auto chunk = getState (direct.processor);
     EXPECT_EQ (unwrapped (getState (*second.plugin), chunk.getSize()), chunk);
 }
+
+TEST_F (Vst3Host, PassesItsInputWhileTheHostBypassesIt)
+{
+    const auto session = withoutEvents (makeSession (48000.0, 12));
+    Vst3Player hosted;
+    ASSERT_NE (hosted.plugin, nullptr);
+    hosted.plugin->prepareToPlay (48000.0, session.maxBlock);
+    auto* const bypass = hosted.plugin->getBypassParameter();
+    ASSERT_NE (bypass, nullptr);
+    bypass->setValueNotifyingHost (1.0f);
+    expectSameSamples (hosted.play (session), session.input);
+
+    bypass->setValueNotifyingHost (0.0f);
+    expectWorthComparing (hosted.play (session), session);
+}

@@ -1,0 +1,108 @@
+-- SPDX-License-Identifier: AGPL-3.0-or-later
+--
+-- Run by ardour_session.sh in Ardour's Lua tool.
+--
+--   make FOLDER FORMAT ID SECONDS    a session with a recorded track that Velkor sits on, saved
+--   reload FOLDER                    opens it, looks whether all is there, saves it again
+
+io.stdout:setvbuf ("no")
+local task, folder = arg[1], arg[2]
+local rate = 48000
+
+local backend = AudioEngine:set_backend ("None (Dummy)", "", "")
+assert (not backend:isnil(), "no dummy backend")
+backend:set_device_name ("Silence")
+assert (AudioEngine:start (false) == 0, "the engine does not start")
+
+-- Takes silence, in real time: it gives the track a region of that length.
+local function record (session, track, seconds)
+    for i = 0, 1 do
+        track:input():nth (i):connect ("system:capture_" .. (i + 1))
+    end
+
+    track:rec_enable_control():set_value (1, PBD.GroupControlDisposition.NoGroup)
+    session:maybe_enable_record()
+    session:goto_start (false)
+    session:request_roll (ARDOUR.TransportRequestSource.TRS_UI)
+
+    for _ = 1, 100 * seconds do
+        if session:transport_sample() >= seconds * rate then break end
+        ARDOUR.LuaAPI.usleep (50000)
+    end
+
+    session:request_stop (false, false, ARDOUR.TransportRequestSource.TRS_UI)
+
+    for _ = 1, 100 do
+        if session:transport_stopped() then break end
+        ARDOUR.LuaAPI.usleep (50000)
+    end
+
+    ARDOUR.LuaAPI.usleep (500000)    -- the disk's thread still writes
+    track:rec_enable_control():set_value (0, PBD.GroupControlDisposition.NoGroup)
+    session:disable_record (false, true)
+end
+
+-- points: { seconds, value } with the value as the host keeps it.
+local function automate (processor, parameter, points)
+    local list, curve = ARDOUR.LuaAPI.plugin_automation (processor, parameter)
+    assert (not list:isnil(), "parameter " .. parameter .. " can't be automated")
+
+    for _, point in ipairs (points) do
+        curve:add (Temporal.timepos_t (math.floor (point[1] * rate)), point[2], false, true)
+    end
+
+    local which = Evoral.Parameter (ARDOUR.AutomationType.PluginAutomation, 0, parameter)
+    processor:to_automatable():automation_control (which, false):set_automation_state (ARDOUR.AutoState.Play)
+end
+
+-- The plug-in's parameters by name.
+local function parameters (processor)
+    local plugin = processor:to_plugininsert():plugin (0)
+    local result = {}
+
+    for i = 0, plugin:parameter_count() - 1 do
+        local _, out = plugin:get_parameter_descriptor (i, ARDOUR.ParameterDescriptor())
+        result[out[2].label] = i
+    end
+
+    return result
+end
+
+local function make (format, id, seconds)
+    local session = create_session (folder, "session", rate)
+    assert (session, "no session")
+    local tracks = session:new_audio_track (2, 2, nil, 1, "Guitar", ARDOUR.PresentationInfo.max_order,
+        ARDOUR.TrackMode.Normal, true)
+    local track = tracks:front()
+    record (session, track, seconds)
+
+    local processor = ARDOUR.LuaAPI.new_plugin (session, id, ARDOUR.PluginType[format], "")
+    assert (not processor:isnil(), "Ardour finds no " .. format)
+    assert (track:add_processor_by_index (processor, 0, nil, true) == 0, "Ardour takes no " .. format)
+
+    -- An LV2's parameters are properties, which Lua can't reach: the caller writes them into the session's file.
+    if format == "VST3" then
+        local numbers = parameters (processor)
+        local set = ARDOUR.LuaAPI.set_processor_param
+        assert (set (processor, numbers["Delay 1 Sync"], 1), "Delay 1 Sync can't be set")
+        assert (set (processor, numbers["Dry Level"], 0), "Dry Level can't be set")
+        automate (processor, numbers["Delay 1 Time"], { { 0, 0.57 }, { 1.7, 0.57 }, { 1.701, 0.37 } })
+        automate (processor, numbers["Kill"], { { 0, 0 }, { 2.9, 0 }, { 2.901, 1 } })
+    end
+
+    assert (session:save_state ("") == 0, "the session can't be saved")
+end
+
+local function reload()
+    local session = load_session (folder, "session")
+    assert (session, "no session")
+    local processor = session:route_by_name ("Guitar"):nth_plugin (0)
+    assert (not processor:isnil(), "the plug-in is gone")
+    assert (session:save_state ("") == 0, "the session can't be saved")
+end
+
+if task == "make" then make (arg[3], arg[4], tonumber (arg[5])) else reload() end
+
+close_session()
+print ("done")
+quit()
