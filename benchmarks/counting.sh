@@ -36,8 +36,10 @@ count_per_frame() {
         'BEGIN { printf "%.1f", n / frames }'
 }
 
-# compiler_of BUILD_DIR: the C++ compiler's name and major version.
+# compiler_of BUILD_DIR: the C++ compiler's name and major version, and whether the sample loop's AVX2 form runs here.
 compiler_of() {
+    local avx2=
+    grep -qw avx2 /proc/cpuinfo && avx2=', AVX2'
     sed -n -e 's/^set(CMAKE_CXX_COMPILER_ID "\(.*\)")/\1/p' -e 's/^set(CMAKE_CXX_COMPILER_VERSION "\([0-9]*\).*/\1/p' \
-        "$1"/CMakeFiles/*/CMakeCXXCompiler.cmake | tr '\n' ' ' | sed 's/ $//'
+        "$1"/CMakeFiles/*/CMakeCXXCompiler.cmake | tr '\n' ' ' | sed "s/ $/$avx2/"
 }

@@ -49,9 +49,8 @@ struct BlockLanes
     // The nodes' values have one of two forms, from one tick to the next: isByNode tells which.
     DestLanes dests;  ///< of the last sample, by SignalDest
     Floats made;      ///< by the last sample: delay 1, delay 2, filter 1, filter 2
-    float sources[ControlTick]
-                 [kNumSignalSources];  ///< as each sample of the tick saw them, by SignalSource
-    NodeTicks ticks;                   ///< the other form
+    float negatives[ControlTick][kNumSignalSources];  ///< of the sources as each sample saw them
+    NodeTicks ticks;                                  ///< the other form
 
     LfoPlan plan1, plan2;
     float filtersRate;      ///< the sample rate that the filters' coefficients were worked out for

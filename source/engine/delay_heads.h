@@ -25,8 +25,8 @@ inline bool headsAreInside (const DelayPair& pair) noexcept
 
 /** Whether for the length of a tick nothing about the heads can change but their places: forward, at speed 1, at the
     target distance, the write heads on whole slots, no head near its buffer's end, and no read head near a power of
-    two, where its fraction would be rounded. Once that holds it does up to the next such place, and is not looked at
-    again before unless a speed changes. The heads are inside. */
+    two, where its fraction would be rounded. Once that holds it does up to the next such place: that is noted in
+    steadyEnd, which delay_pair_take, delay_pair_take_rates and MovingHeads take back. The heads are inside. */
 inline bool headsAreSteady (DelayPair& pair) noexcept
 {
     const Floats needed = pair.position + static_cast<float> (ControlTick + 1);
@@ -135,7 +135,7 @@ private:
 };
 
 /** For any speed, distance and direction, inside the buffers. If a head leaves its buffer, as rounding makes a reversed
-    one do now and then, the rest of the tick runs line by line. */
+    one do now and then, or crosses no slot, the rest of the tick runs line by line. */
 class MovingHeads
 {
 public:
@@ -161,7 +161,10 @@ public:
             next - where (next >= pair.size, pair.size) + where (next < 0.0f, pair.size);
         const Ints slot = truncated (wrapped);
 
-        if (any ((slot | (lastSlot - slot)) < 0)) [[unlikely]]
+        // A slow reversed write head that sets out from 0 exactly crosses no slot at all.
+        const Ints isAtStart = pair.isReversed & (pair.position == 0.0f);
+
+        if (any ((slot | (lastSlot - slot) | isAtStart) < 0)) [[unlikely]]
         {
             delay_pair_give_back (pair);
             areSingle = true;
@@ -217,16 +220,12 @@ private:
         const Ints first = select (pair.isReversed, select (to < 1, lastSlot, to - 1), from);
 
         const Floats change = pair.inputShare * in - pair.lastIn;
-        writeSlots (first, change * share + pair.lastIn);
+        const Floats values = change * share + pair.lastIn;
+        writeSlot (0, first[2], values[0]);
+        writeSlot (1, first[3], values[1]);
 
         if (any ((count > 1) & Ints { 0, 0, -1, -1 }))
             writeMore (count, first, change, share);
-    }
-
-    void writeSlots (Ints slot, Floats values) noexcept
-    {
-        writeSlot (0, slot[2], values[0]);
-        writeSlot (1, slot[3], values[1]);
     }
 
     void writeSlot (int i, std::int32_t slot, float value) noexcept
@@ -256,10 +255,10 @@ private:
     }
 
     DelayPair& pair;
-    Ints lastSlot;
+    Ints lastSlot;  ///< of the buffers
     Ints unitStep;  ///< 1, or -1 in reverse
     Ints signs;     ///< top bit set in reverse
-    Ints gaps;      ///< that step was worked out for
+    Ints gaps;      ///< that step was worked out for; -1, which no gap is, before the first sample
     Floats
         step {};  ///< signed; of the read heads and, since their targets are 1, of the write heads
     bool areSingle = false;

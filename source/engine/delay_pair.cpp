@@ -1,18 +1,21 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "engine/delay_pair.h"
 
-/** In a buffer of this many slots a tick's writes lie in one stretch of marks or two, and every position has the
-    precision that the lanes count on. */
-static bool hasLanesSize (std::uint64_t slots) noexcept
-{
-    return slots >= 8192 && slots <= (std::uint64_t { 1 } << 22);
-}
+/** From here on a tick's writes lie in one stretch of marks or two. */
+static constexpr std::uint64_t kFewestSlots = 8192;
+
+/** Up to here a position has a bit for the half of a slot, so that floor and ceiling are what they should be. */
+static constexpr std::uint64_t kMostSlots = std::uint64_t { 1 } << 22;
+
+/** What steady heads need to read a tick before it is written. */
+static constexpr std::uint64_t kShortestDelay = 8;
 
 static bool isPlain (const DelayFad& line) noexcept
 {
-    return line.buffer != nullptr && hasLanesSize (line.bufferSize) &&
-           hasLanesSize (line.delaySamples + 8192) && line.delaySamples >= 8 &&
-           ! line.resetPending && line.reverse == line.reverseRequest && ! line.loop;
+    return line.buffer != nullptr && line.bufferSize >= kFewestSlots &&
+           line.bufferSize <= kMostSlots && line.delaySamples >= kShortestDelay &&
+           line.delaySamples <= kMostSlots && ! line.resetPending &&
+           line.reverse == line.reverseRequest && ! line.loop;
 }
 
 void delay_pair_take (DelayPair& pair, DelayFad& one, DelayFad& two) noexcept

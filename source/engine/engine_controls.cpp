@@ -72,6 +72,7 @@ static bool updateModulation (VelkorEngine& engine, BlockLanes& lanes) noexcept
 static int updateControls (Controls& c, int vector, Floats modulation) noexcept
 {
     const Floats wanted = c.base[vector] + c.depth[vector] * modulation;
+    // In this order of arguments a NaN comes out as the lower limit, so that no index made from it can be wrong.
     const Floats limited = smaller (larger (wanted, c.low[vector]), c.high[vector]);
     const int changed = topBits (limited != c.value[vector]);
     c.value[vector] = limited;

@@ -101,16 +101,17 @@ static StereoTick runSamples (BlockLanes& lanes, const SignalMatrix& matrix, Ste
     Floats made = lanes.made;
     auto& [ofInputs, ofFilters, ofOutputs] = dests.lanes;
     float inputs[2 * ControlTick], outputs[2 * ControlTick] = {};
-    store (inputs, interleaveLow (in.left, in.right));
-    store (inputs + 4, interleaveHigh (in.left, in.right));
+    store (inputs, -interleaveLow (in.left, in.right));
+    store (inputs + 4, -interleaveHigh (in.left, in.right));
 
     for (int n = 0; n < count; ++n)
     {
-        float* const sources = lanes.sources[n];
-        storePair (sources + sourceInputL, loadPair (inputs + 2 * n));
-        store (sources + sourceDelay1, made);
-        storeUpperPair (sources + sourceSaturation1, saturation (lanes.satKOfFilters, ofFilters));
-        signal_matrix_dsp (matrix, sources, dests);
+        float* const negatives = lanes.negatives[n];
+        storePair (negatives + sourceInputL, loadPair (inputs + 2 * n));
+        store (negatives + sourceDelay1, -made);
+        storeUpperPair (negatives + sourceSaturation1,
+                        -saturation (lanes.satKOfFilters, ofFilters));
+        signal_matrix_dsp (matrix, negatives, dests);
 
         const Floats feedback = feedbackShape (lanes.feedbackOfInputs, ofInputs);
         const Floats ofDelays = heads.dsp (n, ofInputs + upperPair (feedback));
@@ -337,7 +338,7 @@ static void endBlock (VelkorEngine& engine, BlockLanes& lanes, int count) noexce
 
     for (std::size_t s = 0; s < kNumSignalSources; ++s)
         signal.signalSources[s] =
-            lanes.isByNode ? lanes.ticks.sources[s][3] : lanes.sources[count - 1][s];
+            lanes.isByNode ? lanes.ticks.sources[s][3] : -lanes.negatives[count - 1][s];
 
     takeBySample (lanes);
     store (signal.signalDests.data(), lanes.dests.lanes[0]);
@@ -378,7 +379,7 @@ static Ints tickInPlace (VelkorEngine& engine, BlockLanes& lanes, float* left, f
 
     engine.modulation.modSources.getRawDataPointer()[modSourceEnvelope] =
         envelope_follower_dsp (engine.envelope, detect (dry, count)) * engine.block.envSensitivity;
-    return ~(isFinite (out.left) & isFinite (out.right));
+    return ~(isFinite (loadSome (left, count)) & isFinite (loadSome (right, count)));
 }
 
 VELKOR_SAMPLE_LOOP void engine_dsp_block (VelkorEngine& engine, float* left, float* right,

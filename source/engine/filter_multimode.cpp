@@ -16,22 +16,6 @@ void filter_multimode_init (FilterMultimode& filter) noexcept
     setDamp (filter);
 }
 
-void setCoef (FilterMultimode& filter, float freq) noexcept
-{
-    const float rate = loadRelaxed (gAudioSamplingRate);
-    const auto twiceTheRate = static_cast<double> (rate + rate);
-
-    filter.freq = freq;
-    filter.coef = std::min (
-        0.25, 2.0 * std::sin (std::numbers::pi * static_cast<double> (freq) / twiceTheRate));
-}
-
-void setDamp (FilterMultimode& filter) noexcept
-{
-    const double stable = std::min (2.0, -0.5 * filter.coef + 2.0 / filter.coef);
-    filter.damp = std::min (stable, filter.resoDamp);
-}
-
 void filter_multimode_set_response (FilterMultimode& filter, float reso, float mode) noexcept
 {
     if (reso != filter.reso)

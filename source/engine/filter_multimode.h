@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "engine/engine_globals.h"
+
+#include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <cstdint>
+#include <numbers>
 
 /** A state-variable filter, run twice per sample in double precision. Its output morphs from notch over
     lowpass and bandpass to highpass and goes through a soft limiter. Zero-initialise, call
@@ -35,10 +40,24 @@ void filter_multimode_init (FilterMultimode& filter) noexcept;
 /** Sets the cut-off in hertz and the coefficient for the global sample rate. The coefficient stops rising at
     0.25, a cut-off of about 0.08 of the sample rate: that is the filter's range. Audio thread, or any thread while
     no block runs. */
-void setCoef (FilterMultimode& filter, float freq) noexcept;
+inline void setCoef (FilterMultimode& filter, float freq) noexcept
+{
+    const float rate = loadRelaxed (gAudioSamplingRate);
+    const auto twiceTheRate = static_cast<double> (rate + rate);
+
+    filter.freq = freq;
+    const double angle = std::numbers::pi * static_cast<double> (freq) / twiceTheRate;
+
+    // Between these the sine is above 0.125 for certain (it is from 0.1254 up to as much below pi): don't ask for it.
+    filter.coef = angle > 0.126 && angle < 3.0 ? 0.25 : std::min (0.25, 2.0 * std::sin (angle));
+}
 
 /** Recomputes the damping from coef and resoDamp. Audio thread, or any thread while no block runs. */
-void setDamp (FilterMultimode& filter) noexcept;
+inline void setDamp (FilterMultimode& filter) noexcept
+{
+    const double stable = std::min (2.0, -0.5 * filter.coef + 2.0 / filter.coef);
+    filter.damp = std::min (stable, filter.resoDamp);
+}
 
 /** Resonance 0 to 10 and morph position 0 to 1 of the coming block: notch at 0, lowpass at 1/3, bandpass at
     2/3, highpass at 1, straight lines between. Audio thread, once per block. */
@@ -94,7 +113,7 @@ inline Real morph (const MorphSettings<Real>& set, MorphState<Real>& state, Real
     return y / (1.0 + 0.28 * y * y);
 }
 
-/** One sample of a filter by itself; the result is in filter.out. renormal is the offset against denormal numbers
+/** One sample of a filter by itself, as tests and timings run it; the result is in filter.out. renormal is the offset against denormal numbers
     before this call, which uses both signs of it. Any thread that has the filter to itself; lock-free. */
 void filter_multimode_dsp_morph (FilterMultimode& filter, float in, float renormal) noexcept;
 

@@ -89,17 +89,6 @@ void gen_LFO_set_skew (GenLFO& lfo, float skewParameter) noexcept
     shape (lfo);
 }
 
-void gen_LFO_set_rate (GenLFO& lfo, float rateHz) noexcept
-{
-    const float freq = 4.0f * rateHz;
-
-    if (freq == lfo.freq)
-        return;
-
-    lfo.freq = freq;
-    lfo.phaseIncrement = freq * loadRelaxed (gAudioSamplingRateReciprocal);
-}
-
 /** x as an integer, toward zero; 0 for what is too far out to have a phase at all. */
 static std::int64_t truncated (float x) noexcept
 {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "engine/engine_globals.h"
+
 #include <cstdint>
 
 /** Generator kinds. The last two stay in the evaluator although no choice of wave selects them. */
@@ -48,7 +50,16 @@ void gen_LFO_set_skew (GenLFO& lfo, float skewParameter) noexcept;
 
 /** Notes the modulated rate in hertz, at least 0.01. This reaches nothing that sounds: the increments come
     from the rate parameter alone, and presets rely on it. Audio thread, once per tick. */
-void gen_LFO_set_rate (GenLFO& lfo, float rateHz) noexcept;
+inline void gen_LFO_set_rate (GenLFO& lfo, float rateHz) noexcept
+{
+    const float freq = 4.0f * rateHz;
+
+    if (freq == lfo.freq)
+        return;
+
+    lfo.freq = freq;
+    lfo.phaseIncrement = freq * loadRelaxed (gAudioSamplingRateReciprocal);
+}
 
 /** The waveform at a phase, 0 to 1 being one cycle, -1 to +1; also left in lfo.output. A negative phase, as
     in a pre-roll, is taken as it is, but for the sine's table index, which wraps. Audio thread. */

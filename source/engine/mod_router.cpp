@@ -105,12 +105,15 @@ void mod_router_set (ModMatrix& matrix, int source, int dest, bool on)
 
     matrix.modGrid[gridIndex (source, dest)].store (on, std::memory_order_relaxed);
 
+    const int before = matrix.router.routes.size();
+
     if (on)
         matrix.router.setGain (source, dest, 1.0f);
     else
         matrix.router.remove (source, dest);
 
-    compile (matrix.plan, matrix.router);
+    if (matrix.router.routes.size() != before)
+        compile (matrix.plan, matrix.router);
 }
 
 void mod_router_replace (ModMatrix& matrix, std::span<const ModPair> pairs)
@@ -151,7 +154,13 @@ bool mod_router_dsp (ModMatrix& matrix, bool hadRoutes) noexcept
         return false;
 
     DestLanes sums;
-    routing_plan_run<true> (matrix.plan, matrix.modSources.getRawDataPointer(), sums);
+    float negatives[kMaxSources];
+    const float* const sources = matrix.modSources.getRawDataPointer();
+
+    for (std::size_t i = 0; i < kNumModSources; ++i)
+        negatives[i] = -sources[i];
+
+    routing_plan_run<true> (matrix.plan, negatives, sums);
 
     float* const dests = matrix.modDests.getRawDataPointer();
     store (dests, sums.lanes[0]);

@@ -34,23 +34,3 @@ void router_panner_1to2_free (RouterPanner1to2& panner) noexcept
     std::free (panner.table);
     panner.table = nullptr;
 }
-
-void router_panner_1to2_set (RouterPanner1to2& panner, float pan) noexcept
-{
-    if (panner.table == nullptr)
-        return;
-
-    panner.pan = pan;
-
-    if (panner.mode == 0.0f)
-    {
-        panner.lookup = tableLookup (panner.size, panner.table, pan);
-        panner.gainR = panner.lookup;
-        panner.gainL = 1.0f - panner.lookup;
-    }
-    else if (panner.mode == 1.0f)
-    {
-        panner.gainR = pan;
-        panner.gainL = 1.0f - pan;
-    }
-}

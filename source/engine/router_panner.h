@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
+#include "engine/ramp_lookup.h"
+
 #include <cstdint>
 
 /** The pan stage behind one of the two outputs of the signal matrix: sine-squared on the right, the rest on
@@ -25,10 +27,30 @@ void router_panner_1to2_init (RouterPanner1to2& panner) noexcept;
 /** Frees the table. Any thread, after the last block. */
 void router_panner_1to2_free (RouterPanner1to2& panner) noexcept;
 
-/** Sets the gains for a position, 0 to 1; changes nothing if the table is missing. Audio thread, once per tick. */
-void router_panner_1to2_set (RouterPanner1to2& panner, float pan) noexcept;
+/** Sets the gains for a position, 0 to 1; changes nothing if the table is missing. Audio thread, in those ticks in which
+    the position is new. */
+inline void router_panner_1to2_set (RouterPanner1to2& panner, float pan) noexcept
+{
+    if (panner.table == nullptr)
+        return;
 
-/** One sample: in at the gains in force, into outL and outR. Audio thread, lock-free. */
+    panner.pan = pan;
+
+    if (panner.mode == 0.0f)
+    {
+        panner.lookup = tableLookup (panner.size, panner.table, pan);
+        panner.gainR = panner.lookup;
+        panner.gainL = 1.0f - panner.lookup;
+    }
+    else if (panner.mode == 1.0f)
+    {
+        panner.gainR = pan;
+        panner.gainL = 1.0f - pan;
+    }
+}
+
+/** One sample: in at the gains in force, into outL and outR. Audio thread, lock-free; the block's last sample only, since
+    a tick's are worked out together. */
 inline void router_panner_1to2_dsp (RouterPanner1to2& panner, float in) noexcept
 {
     panner.outL = in * panner.gainL;

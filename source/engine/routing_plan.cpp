@@ -66,6 +66,12 @@ void appendStep (RoutingPlan& plan, Queues& queues, RoutingEntry wanted) noexcep
         }
 }
 
+void copySteps (RoutingPlan& plan, const RoutingPlan& other) noexcept
+{
+    std::copy_n (other.steps.begin(), other.numSteps, plan.steps.begin());
+    plan.numSteps = other.numSteps;
+}
+
 void appendMostWanted (RoutingPlan& plan, Queues& queues) noexcept
 {
     while (const auto* const wanted = mostWanted (queues))
@@ -129,15 +135,11 @@ void routing_plan_compile (RoutingPlan& plan, std::span<const RoutingEntry> list
     appendStretches (other, queues);
 
     if (other.numSteps < plan.numSteps)
-    {
-        std::copy_n (plan.connected, 3, other.connected);
-        routing_plan_copy (plan, other);
-    }
+        copySteps (plan, other);
 }
 
 void routing_plan_copy (RoutingPlan& plan, const RoutingPlan& other) noexcept
 {
     std::copy_n (other.connected, 3, plan.connected);
-    std::copy_n (other.steps.begin(), other.numSteps, plan.steps.begin());
-    plan.numSteps = other.numSteps;
+    copySteps (plan, other);
 }

@@ -79,8 +79,12 @@ static void compile (SignalMatrix& matrix) noexcept
 
 MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination, bool on) noexcept
 {
+    const std::int32_t before = matrix.connectionCount;
     const MatrixEdit edit = editList (matrix, source, destination, on);
-    compile (matrix);
+
+    if (matrix.connectionCount != before)
+        compile (matrix);
+
     return edit;
 }
 

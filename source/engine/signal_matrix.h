@@ -98,10 +98,10 @@ bool signal_matrix_has_source (const SignalMatrix& matrix, int destination) noex
 /** Whether source is connected to destination; false out of range. Any thread, lock-free. */
 bool signal_matrix_get (const SignalMatrix& matrix, int source, int destination) noexcept;
 
-/** One sample: sums the sources of each connected destination, unscaled, in the order of the list. Audio thread;
-    caller holds connectionLock. */
-inline void signal_matrix_dsp (const SignalMatrix& matrix, const float* sources,
+/** One sample: sums the sources of each connected destination, unscaled, in the order of the list. The sources come
+    negated. Audio thread; caller holds connectionLock. */
+inline void signal_matrix_dsp (const SignalMatrix& matrix, const float* negatives,
                                DestLanes& dests) noexcept
 {
-    routing_plan_run<false> (matrix.plan, sources, dests);
+    routing_plan_run<false> (matrix.plan, negatives, dests);
 }

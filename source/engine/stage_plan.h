@@ -20,9 +20,9 @@ struct StagePlan
     };
 
     Order order = Order::saturatorsFirst;
-    std::array<std::uint8_t, 80>
+    std::array<std::uint8_t, kMaxEntries>
         sources {};  ///< of all destinations one after the other, in the order of the list
-    std::array<std::uint8_t, 11>
+    std::array<std::uint8_t, kMaxDests + 1>
         begin {};  ///< where a destination's sources begin, and those of the last end
 };
 

@@ -155,6 +155,52 @@ INSTANTIATE_TEST_SUITE_P (WiringsAndBuffers, SettledLines,
                           testing::Combine (testing::Range (0, 4),
                                             testing::Values (44100.0, 1.0e6, 3.0e6)));
 
+TEST (AgainstReference, ReversedLinesAtHalvesAndQuartersOfASlotGiveItsBitsRoundAfterRound)
+{
+    Noise noise (5);
+
+    for (const float speed : { 0.5f, 0.75f, 1.5f })
+        for (const bool bothWays : { false, true })
+        {
+            SCOPED_TRACE (speed);
+            Duel duel (3.0e6);
+            duel.prepare (48000.0);
+            setBoth (duel, Delay1Time, Delay2Time, 40.0f);
+            setBoth (duel, Delay1Multiplier, Delay2Multiplier, 0.0f);
+            run (duel, noise, 20, 512);
+            duel.set (Delay1Reverse, 1.0f);
+            duel.set (Delay2Reverse, bothWays ? 0.0f : 1.0f);
+            setBoth (duel, Delay1Fine, Delay2Fine, speed);
+            run (duel, noise, 150, 512);
+        }
+}
+
+TEST (AgainstReference, SamplesNearTheEndOfTheRangeAreSilencedWhereItsAre)
+{
+    Noise noise (8);
+    Duel duel;
+    duel.prepare (44100.0);
+    duel.connect (sourceInputL, destOutput1, true);
+    duel.connect (sourceInputR, destOutput1, true);
+    duel.route (modSourceEnvelope, modDestLevel2, true);
+    duel.set (Output1Level, 2.0f);
+    duel.set (Level2Mod, 1.0f);
+    duel.set (EnvSensitivity, 1.0f);
+    duel.set (Pan1, 1.0f);
+
+    for (int i = 0; i < 120 && ! testing::Test::HasFailure(); ++i)
+    {
+        const int length = i % 2 == 0 ? 510 : 33;
+        auto left = noiseOf (noise, length);
+        auto right = noiseOf (noise, length);
+
+        if (i % 5 == 0)
+            left[static_cast<std::size_t> (noise.below (length))] = i % 10 == 0 ? 1.6e38f : 2.5e38f;
+
+        duel.process (left, right, i % 3 == 0 ? 1 : 2);
+    }
+}
+
 TEST (AgainstReference, WiringsDrawnAtRandomGiveItsBitsWhileTheLinesAreSettled)
 {
     Noise noise (2024);

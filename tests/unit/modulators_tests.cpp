@@ -142,17 +142,17 @@ TEST (SignalMatrix, RemovingTheLastSourceLeavesItsValueStanding)
     engine_set_connection (engine, sourceFilter1, destOutput1, true);
     EXPECT_EQ (matrix.connectionCount, 7) << "six from the start, and a pair counts once";
 
-    float sources[kNumSignalSources] {};
+    float negatives[kNumSignalSources] {};
     DestLanes dests;
-    sources[sourceFilter1] = 0.25f;
-    sources[sourceDelay1] = 0.5f;
-    signal_matrix_dsp (matrix, sources, dests);
+    negatives[sourceFilter1] = -0.25f;
+    negatives[sourceDelay1] = -0.5f;
+    signal_matrix_dsp (matrix, negatives, dests);
     EXPECT_EQ (valueAt (dests, destOutput1), 0.75f) << "full level, whatever meets";
 
     engine_set_connection (engine, sourceDelay1, destOutput1, false);
     engine_set_connection (engine, sourceFilter1, destOutput1, false);
-    std::ranges::fill (sources, 0.0f);
-    signal_matrix_dsp (matrix, sources, dests);
+    std::ranges::fill (negatives, -0.0f);
+    signal_matrix_dsp (matrix, negatives, dests);
     EXPECT_EQ (valueAt (dests, destOutput1), 0.75f);
     EXPECT_EQ (valueAt (dests, destDelay1), 0.0f);
 
