@@ -17,7 +17,8 @@ namespace
 {
 
 constexpr int kBlockSize = 512;
-constexpr int kBlocks = 4096;  ///< of each instance, per measurement: long beside what it takes to wake a thread
+constexpr int kBlocks =
+    4096;  ///< of each instance, per measurement: long beside what it takes to wake a thread
 
 using Instances = std::vector<std::unique_ptr<PatchedInstance>>;
 

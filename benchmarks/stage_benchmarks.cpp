@@ -10,8 +10,8 @@
 #include <cstdlib>
 #include <vector>
 
-// Each stage of the engine by itself, at 48 kHz. Stages are called the way the sample loop does: a record's
-// fields go to memory and come back between one call and the next.
+// Each stage of the engine by itself, at 48 kHz, in its single form: a record's fields go to memory and come back
+// between one call and the next. In a block the stages run in pairs and share their set-up: see processBlock for that.
 
 static constexpr double kSampleRate = 48000.0;
 static constexpr int kCalls = 1024;  ///< of a stage, per iteration of a benchmark
@@ -192,7 +192,7 @@ BENCHMARK_CAPTURE (lfo, skewedSine, lfoSine, 0.3f);
 BENCHMARK_CAPTURE (lfo, square, lfoSquare, 0.5f);
 BENCHMARK_CAPTURE (lfo, random, lfoRandom, 0.5f);
 
-/** Look-up of the cut-off and both coefficients of one filter, as on every tick. */
+/** Look-up of the cut-off and both coefficients of one filter, as on a tick that moves it. */
 static void tickFilter (benchmark::State& state, float reso)
 {
     setAudioSamplingRate (kSampleRate);
