@@ -8,7 +8,6 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 
 ParamSnapshot readSnapshot (const ParamPointers& pointers) noexcept
@@ -30,6 +29,17 @@ ParamSnapshot noSnapshot() noexcept
     ParamSnapshot snapshot;
     snapshot.fill (std::numeric_limits<float>::quiet_NaN());
     return snapshot;
+}
+
+/** Whether two snapshots have the same bits. */
+static bool areSame (const ParamSnapshot& a, const ParamSnapshot& b) noexcept
+{
+    std::uint32_t difference = 0;
+
+    for (std::size_t i = 0; i < a.size(); ++i)
+        difference |= std::bit_cast<std::uint32_t> (a[i]) ^ std::bit_cast<std::uint32_t> (b[i]);
+
+    return difference == 0;
 }
 
 /** Whether a parameter's bits differ from those that were bound before. */
@@ -165,7 +175,7 @@ static void bindLevels (const ParamSnapshot& p, VelkorEngine& engine) noexcept
 void bindSnapshot (const ParamSnapshot& snapshot, ParamSnapshot& bound,
                    VelkorEngine& engine) noexcept
 {
-    if (std::memcmp (snapshot.data(), bound.data(), sizeof snapshot) != 0)
+    if (! areSame (snapshot, bound))
     {
         bindDelays (snapshot, engine);
         bindFilters (snapshot, bound, engine);
