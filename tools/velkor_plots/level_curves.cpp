@@ -20,7 +20,8 @@ void printSaturation()
         for (int i = 0; i <= kPoints; ++i)
         {
             const double x = 2.0 * i / kPoints - 1.0;
-            point (x, static_cast<double> (saturation (splat (k), splat (static_cast<float> (x)))[0]));
+            point (x,
+                   static_cast<double> (saturation (splat (k), splat (static_cast<float> (x)))[0]));
         }
 
         endCurve();
@@ -50,7 +51,8 @@ void printLimits()
     for (int i = 0; i <= kPoints; ++i)
     {
         const double x = kReach * (2.0 * i / kPoints - 1.0);
-        point (x, static_cast<double> (feedbackShape (splat (1.0f), splat (static_cast<float> (x)))[0]));
+        point (x, static_cast<double> (
+                      feedbackShape (splat (1.0f), splat (static_cast<float> (x)))[0]));
     }
 
     endCurve();
