@@ -93,22 +93,6 @@ std::vector<float> noiseOf (int length, std::uint32_t seed, float gain = 0.3f)
 
 }  // namespace
 
-TEST (Processor, DrySignalPassesAtItsLevelWhileKillIsOn)
-{
-    Bench bench;
-    bench.connect (sourceInputL, destOutput1);
-    bench.set (DryLevel, 0.5f);
-    bench.set (Kill, 1.0f);
-    bench.settle();
-    const auto out = bench.render (std::vector<float> (64, 0.5f));
-    EXPECT_NEAR (out.back(), 0.25f, 1e-6f);
-
-    bench.set (Kill, 0.0f);
-    const auto fade = bench.render (std::vector<float> (512, 0.5f));
-    EXPECT_NEAR (fade[96], 0.25f + 0.5f * 25.0f / 48.0f, 1e-4f) << "half way through 4 ms";
-    EXPECT_NEAR (fade[200], 0.75f, 1e-6f);
-}
-
 TEST (Processor, EachNodeOnThePathAddsOneSampleAndADelayItsLengthToo)
 {
     Bench direct;
@@ -135,60 +119,6 @@ TEST (Processor, EachNodeOnThePathAddsOneSampleAndADelayItsLengthToo)
     EXPECT_GE (peakOf (echo), 480);
     EXPECT_LE (peakOf (echo), 480 + 480 / 64 + 1);
     EXPECT_NEAR (std::accumulate (echo.begin(), echo.end(), 0.0f), 1.0f, 1e-3f);
-}
-
-TEST (Processor, SyncedDelaysFollowTheTempoAtOnce)
-{
-    Bench bench;
-    bench.connect (sourceInputL, destDelay1);
-    bench.connect (sourceDelay1, destOutput1);
-    bench.set (Delay1Multiplier, 0.0f);
-    bench.set (Delay1Sync, 1.0f);
-    bench.set (Delay1Time, 2.0f + 998.0f * 0.36f);  // 1/8: half a beat
-
-    for (const double tempo : { 90.0, 120.0, 147.0 })
-    {
-        bench.playHead.tempo = tempo;
-        bench.settle();
-        const auto out = bench.render (impulse (24000));
-        EXPECT_NEAR (peakOf (out), 48000.0 * 30.0 / tempo - 1.0, 1.5) << tempo;
-    }
-
-    bench.playHead.answers = false;
-    bench.settle();
-    EXPECT_NEAR (peakOf (bench.render (impulse (24000))), 11999.0, 1.5)
-        << "120 where the host says nothing";
-}
-
-TEST (Processor, MonoSumPhaseAndPanPutTheSignalWhereTheyShould)
-{
-    Bench bench;
-    bench.connect (sourceInputL, destOutput1);
-    bench.connect (sourceInputR, destOutput2);
-    bench.set (PhaseInvert2, 1.0f);
-    auto out = bench.render (std::vector<float> (8, 0.25f));
-    EXPECT_NEAR (out[7], 0.25f, 1e-6f);
-    EXPECT_NEAR (bench.right[7], -0.25f, 1e-6f);
-
-    bench.set (MonoInput, 1.0f);
-    out = bench.render (std::vector<float> (8, 0.25f));
-    EXPECT_NEAR (out[7], 0.25f * 1.414f, 1e-6f);
-    EXPECT_NEAR (bench.right[7], -0.25f * 1.414f, 1e-6f);
-}
-
-TEST (Processor, LevelsDuckWithTheInputAndNeverInvert)
-{
-    Bench bench;
-    bench.connect (sourceInputL, destOutput1);
-    bench.processor.setModConnection (modSourceEnvelope, modDestLevel1, true);
-    bench.set (EnvSensitivity, 0.5f);
-    bench.set (EnvAttack, 0.0f);
-    bench.set (EnvDecay, 0.0f);
-    bench.set (Level1Mod, -1.0f);
-    const auto loud = bench.render (std::vector<float> (512, 0.9f));
-    EXPECT_EQ (loud.back(), 0.0f);
-    const auto quiet = bench.render (std::vector<float> (48000, 0.01f), 512);
-    EXPECT_NEAR (quiet.back(), 0.01f * (1.0f - 0.5f * 0.08f), 2e-4f);
 }
 
 TEST (Processor, MidiActsAtTheBlocksFirstSampleAndTheBufferComesBackAsItWas)

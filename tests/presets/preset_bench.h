@@ -106,16 +106,6 @@ private:
     juce::MidiBuffer events;
 };
 
-/** A preset with nothing of the source in its output. */
-class WetBench : public PresetBench
-{
-public:
-    explicit WetBench (int number, double tempo = 120.0) : PresetBench (number, tempo)
-    {
-        set ("Dry Level", 0.0f);
-    }
-};
-
 /** Whether the first repeats of a click come at these distances from it, in seconds. */
 void expectRepeats (const std::vector<float>& channel, const std::vector<double>& expected,
                     const std::string& what);

@@ -21,22 +21,6 @@ std::vector<float> block (VelkorEngine& engine, int numSamples, float sample)
     return left;
 }
 
-/** Phase 2 after blocks at 32768 Hz, where the lengths and rates below come out exact in binary: LFO 2 at 8 makes
-    1/512 of a cycle per tick, LFO 1 at r makes r/4096. */
-double phase2After (float rate1, bool isReset, std::initializer_list<int> blockLengths)
-{
-    VelkorEngine engine;
-    engine_prepare (engine, 32768.0);
-    engine.block.lfoRate1 = rate1;
-    engine.block.lfoRate2 = 8.0f;
-    engine.block.lfo2Reset = isReset;
-
-    for (const int n : blockLengths)
-        block (engine, n, 0.0f);
-
-    return engine.block.lfoPhase2;
-}
-
 }  // namespace
 
 TEST (Engine, RefusesRatesThatNoBufferCouldBeMeasuredBy)
@@ -73,17 +57,4 @@ TEST (Engine, PlaysOnWithFiltersAndPansAtRestIfThereWasNoMemoryForTheirTables)
     EXPECT_EQ (engine.filter1.freq, 1000.0f);
     EXPECT_EQ (engine.panner1.gainR, gainBefore);
     EXPECT_NEAR (out.back(), 0.25f, 1.0e-3f) << "the middle: half the level on each side";
-}
-
-TEST (Engine, Lfo2ResetStartsLfo2OverWhenLfo1Wraps)
-{
-    // LFO 1 makes 3/512 per tick: it wraps on tick 171, at 513/512, and LFO 2 has 85 of the 256 ticks left.
-    EXPECT_EQ (phase2After (24.0f, true, { 512, 512 }), 85.0 / 512.0);
-    EXPECT_EQ (phase2After (24.0f, false, { 512, 512 }), 256.0 / 512.0);
-
-    // The first tick of all starts from phase 0, which holds LFO 2 there for its length.
-    EXPECT_EQ (phase2After (24.0f, true, { 512 }), 127.0 / 512.0);
-
-    // LFO 1 lands on 1/32768 on tick 128, no further than a sample from its start: tick 129 holds LFO 2 as well.
-    EXPECT_EQ (phase2After (32.0009765625f, true, { 512, 256 }), 63.0 / 512.0);
 }

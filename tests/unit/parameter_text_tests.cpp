@@ -41,14 +41,6 @@ TEST (ParameterText, FrequencyTurnsToKilohertzAtTheValueNotAtTheRoundedNumber)
                                   { 18000.0f, "18.00 kHz" } });
 }
 
-TEST (ParameterText, DecimalsAreFixedAndKeepTheirZeros)
-{
-    expectTexts (timesText, { { 0.5f, "x0.50" }, { 1.0f, "x1.00" }, { 1.126f, "x1.13" } });
-    expectTexts (twoDecimalsText, { { 0.0f, "0.00" }, { 9.999f, "10.00" } });
-    expectTexts (lfoRateText, { { 0.01f, "0.01 Hz" }, { 0.316228f, "0.32 Hz" } });
-    expectTexts (saturationText, { { 0.0f, "0.0" }, { 0.5f, "5.5" }, { 1.0f, "11.0" } });
-}
-
 TEST (ParameterText, SignComesFromTheValueSoThatTinyNegativesDifferFromTinyPositives)
 {
     expectTexts (
@@ -69,14 +61,6 @@ TEST (ParameterText, PercentIsScaledInSinglePrecisionAndTiesGoToTheEvenNumber)
     expectTexts (percentText,
                  { { 0.025f, "2%" }, { 0.035f, "4%" }, { 0.125f, "12%" }, { 0.375f, "38%" } });
     expectTexts (signedPercentText, { { 0.025f, "+2%" }, { -0.125f, "-12%" } });
-}
-
-TEST (ParameterText, EnvelopeSecondsReadAsMilliseconds)
-{
-    expectTexts (envTimeText, { { 0.0f, "0 ms" },
-                                { 0.01f, "10 ms" },
-                                { 0.0625f, "62 ms" },  // 62.5, a tie
-                                { 0.5f, "500 ms" } });
 }
 
 TEST (ParameterText, PanCountsTenStepsToEachSideOfTheCenter)
@@ -108,14 +92,4 @@ TEST (ParameterText, EachFilterModeBandEndsBelowTheNextOne)
                                    { 0.8999f, "BP/HP" },
                                    { 0.9f, "Highpass" },
                                    { 1.0f, "Highpass" } });
-}
-
-TEST (ParameterText, SwitchesNameTheirState)
-{
-    EXPECT_EQ (onOffText (true, 1), "On");
-    EXPECT_EQ (onOffText (false, 1), "Off");
-    EXPECT_EQ (directionText (true, 1), "Reverse");
-    EXPECT_EQ (directionText (false, 1), "Forward");
-    EXPECT_EQ (polarityText (true, 1), "Inverted");
-    EXPECT_EQ (polarityText (false, 1), "Normal");
 }
