@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "patches.h"
 
+#include "noise.h"
+
 #include <algorithm>
 #include <charconv>
-#include <random>
 
 /** The number behind a prefix such as "routes:", from 0 to most; empty if name is something else. */
 static std::optional<int> numberBehind (std::string_view prefix, std::string_view name,
@@ -31,20 +32,9 @@ std::optional<Patch> findPatch (std::string_view name) noexcept
     return found != kPatches.end() ? std::optional (*found) : std::nullopt;
 }
 
-std::vector<float> noise (int numSamples, unsigned seed)
-{
-    // The distributions of the standard library differ from one library to the next; this doesn't.
-    std::minstd_rand generator (seed);
-    std::vector<float> samples (static_cast<std::size_t> (numSamples));
-
-    for (auto& sample : samples)
-        sample = 0.2f * static_cast<float> (generator() >> 7) / 16777216.0f - 0.1f;
-
-    return samples;
-}
-
 PatchedInstance::PatchedInstance (const Patch& patch, double sampleRate, int blockSize)
-    : noiseLeft (noise (blockSize, 1)), noiseRight (noise (blockSize, 2)), buffer (2, blockSize)
+    : noiseLeft (whiteNoise (static_cast<std::size_t> (blockSize), 1)),
+      noiseRight (whiteNoise (static_cast<std::size_t> (blockSize), 2)), buffer (2, blockSize)
 {
     // What doubles at every frame takes 128 of them from one to infinity. This gets there in about 30.
     if (patch.isRunningAway)

@@ -41,9 +41,6 @@ inline constexpr Patch kRunaway { .name = "runaway", .isRunningAway = true };
     "connections:40" or "routes:12" says; empty if there is none. */
 std::optional<Patch> findPatch (std::string_view name) noexcept;
 
-/** White noise at a tenth of full scale, the same at every run. */
-std::vector<float> noise (int numSamples, unsigned seed);
-
 /** An instance that is set to a patch and fed with noise, block by block. */
 class PatchedInstance
 {
@@ -52,7 +49,8 @@ public:
     PatchedInstance (const Patch& patch, double sampleRate, int blockSize);
 
     /** One block. False if the patch ran away and was silenced: then its time says nothing about a patch that
-        is to keep sounding. Includes copying the noise, two blocks' worth of memcpy. Any one thread at a time; allocates nothing. */
+        is to keep sounding. Includes copying the noise, two blocks' worth of memcpy. Any one thread at a time;
+        allocates nothing. */
     bool process();
 
 private:

@@ -3,6 +3,7 @@
 #include "engine/engine.h"
 #include "engine/engine_globals.h"
 #include "engine/saturation.h"
+#include "noise.h"
 #include "patches.h"
 
 #include <benchmark/benchmark.h>
@@ -21,7 +22,7 @@ template <typename Step>
 static void timeCalls (benchmark::State& state, const char* unit, Step step)
 {
     const juce::ScopedNoDenormals noDenormals;
-    const std::vector<float> input = noise (kCalls, 3);
+    const std::vector<float> input = whiteNoise (kCalls, 3);
     const Stopwatch stopwatch;
 
     for (auto _ : state)
@@ -280,7 +281,7 @@ static void engineBlock (benchmark::State& state)
 {
     const auto n = static_cast<int> (state.range (0));
     const juce::ScopedNoDenormals noDenormals;
-    const std::vector<float> input = noise (n, 3);
+    const std::vector<float> input = whiteNoise (static_cast<std::size_t> (n), 3);
     std::vector<float> left = input, right = input;
     VelkorEngine engine;
     engine_prepare (engine, kSampleRate);
