@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <thread>
+#include <utility>
 #include <vector>
 
 // In what order and on which threads hosts are free to make, prepare, play, bypass and end instances.
@@ -95,13 +96,15 @@ TEST (Acceptance, BlocksUpTo8192AtRatesFrom22050To192000GiveTheReferencesBits)
 
 TEST (Acceptance, AnEditorOpenedBeforePreparingAndReopenedBesideAudioChangesNoSound)
 {
-    const auto session = makeSession (48000.0, 60);
+    auto session = makeSession (48000.0, 60);
+    const auto state = std::exchange (session.state, {});
     DirectPlayer player;
     auto& processor = player.processor;
     std::unique_ptr<juce::AudioProcessorEditor> editor (processor.createEditorIfNeeded());
     ASSERT_NE (editor, nullptr);
     const auto picture = [&] { return editor->createComponentSnapshot (editor->getLocalBounds()); };
     EXPECT_TRUE (picture().isValid());
+    player.load (state);  // here: while an editor is open, the undo history is the message thread's
     processor.prepareToPlay (session.sampleRate, session.maxBlock);
 
     std::vector<juce::AudioBuffer<float>> got;
@@ -126,10 +129,12 @@ TEST (Acceptance, AnEditorOpenedBeforePreparingAndReopenedBesideAudioChangesNoSo
 
     audio.join();
     editor.reset();
-    const auto alone = preparedPlayer (session);
+    DirectPlayer alone;
+    alone.load (state);
+    alone.processor.prepareToPlay (session.sampleRate, session.maxBlock);
 
     for (const auto& output : got)
-        expectSameSamples (output, alone->play (session));
+        expectSameSamples (output, alone.play (session));
 }
 
 TEST (Acceptance, ManyInstancesOnManyThreadsEachSoundAsOneAlone)
