@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: AGPL-3.0-or-later
 
-# What an installation holds, as a tree below a prefix. Three components: "velkor" is what both packages and
-# `cmake --install` give, "debian" and "archive" are for one of the packages.
+# What an installation holds, as a tree below a prefix. "velkor" is what both packages and `cmake --install` give,
+# "manual" what both packages hold beside it, "debian" and "archive" are for one of the packages.
 if(NOT CMAKE_SYSTEM_NAME STREQUAL "Linux" OR NOT VELKOR_BUILD_TOOLS)
     return()
 endif()
@@ -55,6 +55,20 @@ velkor_compress("${VELKOR_PACKAGING_OUT}/man/velkor-render.1" velkor-render.1)
 get_property(compressed GLOBAL PROPERTY VELKOR_COMPRESSED)
 add_custom_target(velkor_documents ALL DEPENDS ${compressed})
 
+# The page is made where its presets and pictures stand, so it depends on all that docs holds.
+if(VELKOR_BUILD_MANUAL)
+    set(manual "${VELKOR_PACKAGING_OUT}/manual.html")
+    file(GLOB_RECURSE pages CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/docs/*")
+    add_custom_command(OUTPUT "${manual}"
+        COMMAND "${CMAKE_SOURCE_DIR}/scripts/make-manual" "${manual}"
+        DEPENDS "${CMAKE_SOURCE_DIR}/scripts/make-manual" ${pages}
+        VERBATIM)
+    add_custom_target(velkor_manual DEPENDS "${manual}")
+    add_dependencies(velkor_documents velkor_manual)
+    install(FILES "${manual}" DESTINATION share/doc/velkor COMPONENT manual)
+    install(DIRECTORY "${CMAKE_SOURCE_DIR}/docs/patches" DESTINATION share/doc/velkor COMPONENT manual)
+endif()
+
 # --- programs and plug-ins --------------------------------------------------------------------------
 
 set(VELKOR_VST3 "$<GENEX_EVAL:$<TARGET_PROPERTY:Velkor_VST3,JUCE_PLUGIN_ARTEFACT_FILE>>")
@@ -106,6 +120,8 @@ endforeach()
 install(FILES "${VELKOR_PACKAGING_OUT}/changelog.Debian.gz" DESTINATION share/doc/velkor COMPONENT debian)
 install(FILES "${VELKOR_PACKAGING}/debian/lintian-overrides"
     DESTINATION share/lintian/overrides RENAME velkor COMPONENT debian)
+install(FILES "${VELKOR_PACKAGING}/debian/doc-base"
+    DESTINATION share/doc-base RENAME velkor COMPONENT debian)
 
 install(PROGRAMS "${VELKOR_PACKAGING}/archive/install" DESTINATION . COMPONENT archive)
 install(FILES "${VELKOR_PACKAGING}/archive/README" DESTINATION . COMPONENT archive)
