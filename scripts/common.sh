@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: AGPL-3.0-or-later
+# shellcheck shell=bash
 # Sourced by run and test: where things are, and how they are built.
 
 export VELKOR_JUCE_DIR="${VELKOR_JUCE_DIR:-}"

@@ -19,6 +19,7 @@ struct Job
     std::string inputName() const { return input.empty() ? "demo" : input.string(); }
 };
 
-/** Which input becomes which output; nothing where no input is named. Fails by usage at outputs that can't be meant (an unknown extension,
-    an input, twice the same) and at options that don't go with them. Opens and makes nothing. */
+/** Which input becomes which output; nothing where no input is named. Fails by usage at outputs that can't be meant
+    (an unknown extension, an input, twice the same) and at options that don't go with them. Opens and makes
+    nothing. */
 std::vector<Job> planJobs (const Options& options);

@@ -45,7 +45,7 @@ constexpr const char* kExamples =
     "\n"
     "Examples:\n"
     "  velkor-render --demo demo.wav\n"
-    "  velkor-render --set \"Delay 1 Time=375 ms\" --set \"Delay 1 Feedback=-4 dB\" \\\n"
+    "  velkor-render --set \"Delay 1 Time=375 ms\" \\\n"
     "                --connect \"Delay 1 > Filter 1\" --connect \"Filter 1 > Output 2\" \\\n"
     "                guitar.wav echo.flac\n"
     "  velkor-render --route \"LFO 1 > Pan 1\" --set \"Pan 1 Mod=50%\" *.wav rendered/\n"
