@@ -57,7 +57,7 @@ static juce::File makePrivateFolder (const juce::File& parent)
     folder that all share is not ours to replace. Empty if there is no way. */
 static juce::File giveName (const juce::File& fresh, const juce::String& name)
 {
-    const auto archive = fresh.getSiblingFile (name);
+    const auto archive = childOf (fresh.getParentDirectory(), name);
 
     if (moveOver (fresh, archive))
         return archive;
@@ -67,8 +67,10 @@ static juce::File giveName (const juce::File& fresh, const juce::String& name)
     if (aside == juce::File())
         return {};
 
-    if (moveOver (fresh, aside.getChildFile (name)))
-        return aside.getChildFile (name);
+    const auto inside = childOf (aside, name);
+
+    if (moveOver (fresh, inside))
+        return inside;
 
     aside.deleteFile();
     return {};
@@ -98,7 +100,7 @@ juce::File exportFolder (const juce::File& folder)
 
 bool copyInto (const juce::File& file, const juce::File& folder)
 {
-    const auto target = folder.getChildFile (file.getFileName());
+    const auto target = childOf (folder, file.getFileName());
 
     if (target == file)
         return true;

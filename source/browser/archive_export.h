@@ -5,7 +5,8 @@
 
 /** Packs all files and folders below folder, hidden ones included, into an archive in the system's temporary
     folder, named after the folder, and returns it; in a folder of its own there where another user has one of
-    that name. Empty if it could not be written. Links go in as what they lead to. Any thread. */
+    that name. Empty if it could not be written. Links go in as what they lead to; pipes, devices and names that are
+    no UTF-8 stay out. Any thread. */
 juce::File exportFolder (const juce::File& folder);
 
 /** Copies a file into a folder under its own name. Replaces a file of that name once the copy is whole; does

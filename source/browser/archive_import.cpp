@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "browser/archive_import.h"
 
+#include "state/folder_listing.h"
 #include "state/utf8.h"
 #include "state/whole_file.h"
 
@@ -15,11 +16,12 @@
 /** Bytes read at once. */
 static constexpr int kBlockBytes = 1 << 16;
 
-/** Whether an entry's path is one that could be meant. Those that are not cost more the deeper they go: the
-    folders of each level are looked at and made from the top. */
+/** Whether an entry's path is one that could be meant, and leads down from where it starts. The others cost more
+    the deeper they go: the folders of each level are looked at and made from the top. */
 static bool isWithinReason (const juce::String& path)
 {
-    if (path.getNumBytesAsUTF8() > kMaxPathBytes)
+    if (path.isEmpty() || path.getNumBytesAsUTF8() > kMaxPathBytes ||
+        (juce::File::isAbsolutePath (path) && ! path.startsWithChar ('~')))
         return false;
 
     const auto parts = juce::StringArray::fromTokens (path, "/", {});
@@ -85,12 +87,16 @@ static bool writeEntry (juce::InputStream& in, juce::int64 numBytes, const juce:
 static bool unpackEntry (juce::ZipFile& zip, int index, const juce::File& folder)
 {
     const auto& entry = *zip.getEntry (index);
-    const auto path = textOfBytes (entry.filename.toRawUTF8()).replaceCharacter ('\\', '/');
 
-    if (path.isEmpty() || entry.isSymbolicLink || ! isWithinReason (path))
+    if (entry.isSymbolicLink || entry.filename.getNumBytesAsUTF8() > kMaxPathBytes)
         return false;
 
-    const auto target = folder.getChildFile (path);
+    const auto path = textOfBytes (entry.filename.toRawUTF8()).replaceCharacter ('\\', '/');
+
+    if (! isWithinReason (path))
+        return false;
+
+    const auto target = childOf (folder, path);
 
     if (! target.isAChildOf (folder))
         return false;
@@ -148,6 +154,6 @@ int unpackArchive (const juce::File& archive, const juce::File& folder,
 
 juce::File folderForArchive (const juce::File& archive, const juce::File& parent)
 {
-    const auto folder = parent.getChildFile (archive.getFileNameWithoutExtension());
+    const auto folder = childOf (parent, archive.getFileNameWithoutExtension());
     return folder.getParentDirectory() == parent && folder != parent ? folder : juce::File();
 }

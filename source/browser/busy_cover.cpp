@@ -6,6 +6,11 @@
 /** How long the message loop runs at a time, ms. */
 static constexpr int kSliceMs = 10;
 
+bool letMessageLoopRun()
+{
+    return juce::MessageManager::getInstance()->runDispatchLoopUntil (kSliceMs);
+}
+
 BusyCover::BusyCover (zb_PresetManager& manager, const juce::String& textToShow)
     : owner (manager), text (textToShow)
 {
@@ -13,11 +18,15 @@ BusyCover::BusyCover (zb_PresetManager& manager, const juce::String& textToShow)
     setMouseCursor (juce::MouseCursor::WaitCursor);
     owner.addAndMakeVisible (*this);
     setBounds (owner.getLocalBounds());
+    setWantsKeyboardFocus (true);
+
+    if (isShowing())
+        grabKeyboardFocus();
 }
 
-bool BusyCover::letLoopRun()
+bool BusyCover::keyPressed (const juce::KeyPress&)
 {
-    return juce::MessageManager::getInstance()->runDispatchLoopUntil (kSliceMs);
+    return true;  // the tab key too, which leads to the buttons below
 }
 
 void BusyCover::paint (juce::Graphics& g)

@@ -5,19 +5,20 @@
 
 class zb_PresetManager;
 
+/** Lets the message loop run for a moment, so that the window lives and shows what is new; false if the program is
+    about to end. Any component may be gone then. Message thread. */
+bool letMessageLoopRun();
+
 /** Covers the browser while it is at work for longer than a moment: says so, by a line of text and by the cursor, and
-    keeps clicks from it. Message thread. */
+    keeps clicks and keys from it. Message thread. */
 class BusyCover : public juce::Component
 {
 public:
-    /** Covers a browser, which owns it and outlives it. */
+    /** Covers a browser, which owns it and outlives it, and takes the keyboard's focus. */
     BusyCover (zb_PresetManager& manager, const juce::String& textToShow);
 
-    /** Lets the message loop run for a moment, so that the window lives and the cover shows; false if the program is
-        about to end. The browser, and the cover with it, may be gone then. */
-    static bool letLoopRun();
-
     void paint (juce::Graphics& g) override;
+    bool keyPressed (const juce::KeyPress& key) override;
 
 private:
     zb_PresetManager& owner;

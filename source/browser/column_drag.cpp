@@ -2,6 +2,7 @@
 #include "browser/browser_strings.h"
 #include "browser/zb_PresetManager.h"
 #include "browser/zb_PresetManagerColumn.h"
+#include "state/folder_listing.h"
 
 // Dragging rows: the one way in which the browser moves files.
 
@@ -13,9 +14,8 @@ static constexpr int kMaxImageWidth = 200;
 
 int zb_PresetManagerColumn::rowAt (juce::Point<int> position) const
 {
-    // The scroll bar is no row, though it is in the list and has rows beside it.
     const auto inList = listBox->getLocalPoint (this, position);
-    return listBox->getLocalBounds().withWidth (listBox->getVisibleRowWidth()).contains (inList)
+    return listBox->getLocalBounds().contains (inList)
                ? listBox->getRowContainingPosition (inList.x, inList.y)
                : -1;
 }
@@ -28,7 +28,13 @@ void zb_PresetManagerColumn::mouseDown (const juce::MouseEvent& event)
     dragPath.clear();
     dragRow = -1;
 
-    const int row = rowAt (event.getEventRelativeTo (this).getPosition());
+    const auto position = event.getEventRelativeTo (this).getPosition();
+
+    // The scroll bar has rows beside it, but nobody who drags it means them.
+    if (listBox->getLocalPoint (this, position).x >= listBox->getVisibleRowWidth())
+        return;
+
+    const int row = rowAt (position);
     const auto item = itemAt (row);
     const auto path = item["path"].toString();
 
@@ -125,7 +131,7 @@ void zb_PresetManagerColumn::itemDropped (const SourceDetails& source)
         file.getParentDirectory().getFullPathName().equalsIgnoreCase (target.getFullPathName()))
         return;
 
-    const auto moved = target.getChildFile (file.getFileName());
+    const auto moved = childOf (target, file.getFileName());
 
     if (moved.exists())
         return;

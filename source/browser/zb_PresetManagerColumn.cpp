@@ -8,6 +8,9 @@
 /** Height of a row in units. */
 static constexpr float kRowUnits = 2.5f;
 
+namespace
+{
+
 /** A list that leaves the return key to its column, with a selected row as without one. */
 class ColumnList : public juce::ListBox
 {
@@ -19,6 +22,8 @@ public:
         return ! key.isKeyCode (juce::KeyPress::returnKey) && juce::ListBox::keyPressed (key);
     }
 };
+
+}  // namespace
 
 zb_PresetManagerColumn::zb_PresetManagerColumn (juce::Component& browser,
                                                 const BrowserLook& browserLook,

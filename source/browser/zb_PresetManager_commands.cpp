@@ -5,6 +5,7 @@
 #include "browser/zb_PresetManager.h"
 #include "processor/zb_AudioProcessor.h"
 #include "state/document_guard.h"
+#include "state/folder_listing.h"
 #include "state/preset_document.h"
 
 // The commands on the left. A file chooser runs the message loop, so the browser may be gone when it returns.
@@ -109,7 +110,7 @@ void zb_PresetManager::chooseImport()
         importFile (chooser.getResult());
 }
 
-/** Unpacks an archive and keeps the window alive; false if the browser has gone meanwhile. The cover stays, for the
+/** Unpacks an archive, with the window alive between its entries; false if the browser has gone meanwhile. The cover stays, for the
     rebuild that follows. */
 bool zb_PresetManager::unpackUnderCover (const juce::File& archive, const juce::File& target)
 {
@@ -117,14 +118,14 @@ bool zb_PresetManager::unpackUnderCover (const juce::File& archive, const juce::
     const SafePointer<zb_PresetManager> stillThere (this);
     busyCover = std::make_unique<BusyCover> (*this, juce::translate ("Unarchiving"));
 
-    bool running = BusyCover::letLoopRun();
+    bool running = letMessageLoopRun();
     auto last = juce::Time::getMillisecondCounter();
     unpackArchive (archive, target,
                    [&]
                    {
                        if (juce::Time::getMillisecondCounter() - last > kBetweenSlicesMs)
                        {
-                           running = running && BusyCover::letLoopRun();
+                           running = running && letMessageLoopRun();
                            last = juce::Time::getMillisecondCounter();
                        }
 
@@ -159,7 +160,7 @@ void zb_PresetManager::importFile (const juce::File& file)
         if (document != nullptr && isPresetDocument (*document, processor.stateTag))
         {
             processor.loadStateFromXML (document.get());
-            saveStateToFile (folder.getChildFile (file.getFileName()));
+            saveStateToFile (childOf (folder, file.getFileName()));
         }
     }
 
@@ -182,9 +183,9 @@ void zb_PresetManager::chooseExport()
 {
     const SafePointer<zb_PresetManager> stillThere (this);
     const auto file = makeExport();
-    juce::FileChooser chooser ("Export to...",
-                               juce::File::getSpecialLocation (juce::File::userDesktopDirectory)
-                                   .getChildFile (file.getFileName()));
+    juce::FileChooser chooser (
+        "Export to...", childOf (juce::File::getSpecialLocation (juce::File::userDesktopDirectory),
+                                 file.getFileName()));
 
     if (chooser.browseForDirectory() && stillThere != nullptr)
         copyInto (file, chooser.getResult());

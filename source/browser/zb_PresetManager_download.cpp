@@ -31,7 +31,7 @@ void zb_PresetManager::downloadFactoryContent()
     {
         downloadPanel->updatePanel (juce::translate ("Downloading"), downloadListener->fraction,
                                     false);
-        running = BusyCover::letLoopRun();
+        running = letMessageLoopRun();
 
         if (stillThere == nullptr)
             return;
@@ -43,7 +43,7 @@ void zb_PresetManager::downloadFactoryContent()
     if (running)
     {
         downloadPanel->updatePanel (juce::translate ("Downloading"), 1.0f, true);
-        BusyCover::letLoopRun();  // lets the panel paint: unpacking keeps the thread
+        letMessageLoopRun();  // lets the panel paint: unpacking keeps the thread
 
         if (stillThere == nullptr)
             return;

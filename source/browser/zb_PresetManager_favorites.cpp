@@ -2,6 +2,7 @@
 #include "browser/favorites_file.h"
 #include "browser/preset_listing.h"
 #include "browser/zb_PresetManager.h"
+#include "state/folder_listing.h"
 
 void zb_PresetManager::loadFavorites()
 {
@@ -9,7 +10,7 @@ void zb_PresetManager::loadFavorites()
     favorites.clear();
 
     for (const auto& path : stored)
-        if (presetFolder.getChildFile (path).existsAsFile())
+        if (childOf (presetFolder, path).existsAsFile())
             favorites.add (path);
 
     if (favorites.size() != stored.size())

@@ -2,6 +2,7 @@
 #include "browser/preset_listing.h"
 #include "browser/zb_PresetManager.h"
 #include "processor/zb_AudioProcessor.h"
+#include "state/folder_listing.h"
 
 // Rows, columns and the way to a preset.
 
@@ -66,7 +67,7 @@ void zb_PresetManager::itemSelected (const juce::ValueTree& item, int columnInde
 
         for (const auto& path : favorites)
         {
-            const auto file = presetFolder.getChildFile (path);
+            const auto file = childOf (presetFolder, path);
 
             if (! file.existsAsFile() || ! file.hasFileExtension (kPresetExtension))
                 continue;

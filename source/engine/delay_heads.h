@@ -70,9 +70,9 @@ private:
     DelayPair& pair;
 };
 
-/** What steady heads of line i (0 or 1) read in a tick, one sample to a lane. No slot is read in a tick after it has been
-    written there: a read head is eight slots behind the write head at least, or so far behind that it comes to every
-    slot first. */
+/** What steady heads of line i (0 or 1) read in a tick, one sample to a lane. No slot is read in a tick after it has
+    been written there: a read head is eight slots behind the write head at least, or so far behind that it comes to
+    every slot first. */
 inline Floats steadyOutputs (const DelayPair& pair, int i) noexcept
 {
     const auto slot = static_cast<std::int32_t> (pair.position[i]);

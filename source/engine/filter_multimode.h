@@ -60,7 +60,7 @@ inline void setDamp (FilterMultimode& filter) noexcept
 }
 
 /** Resonance 0 to 10 and morph position 0 to 1 of the coming block: notch at 0, lowpass at 1/3, bandpass at
-    2/3, highpass at 1, straight lines between. Audio thread, once per block. */
+    2/3, highpass at 1, straight lines between. Audio thread, at the start of a block. */
 void filter_multimode_set_response (FilterMultimode& filter, float reso, float mode) noexcept;
 
 /** Records whether a connection leads here. The damping that goes with it is the audio thread's to recompute:
@@ -68,7 +68,7 @@ void filter_multimode_set_response (FilterMultimode& filter, float reso, float m
     here as well would change nothing and race. Caller holds connectionLock. */
 void filter_multimode_connect (FilterMultimode& filter, bool isConnected) noexcept;
 
-/** Zeroes state, outputs and damping; the next block's set-up brings the damping back. Audio thread, or any thread
+/** Zeroes state, outputs and damping; the next tick brings the damping back. Audio thread, or any thread
     while no block runs. */
 void filter_multimode_clear (FilterMultimode& filter) noexcept;
 
@@ -113,8 +113,9 @@ inline Real morph (const MorphSettings<Real>& set, MorphState<Real>& state, Real
     return y / (1.0 + 0.28 * y * y);
 }
 
-/** One sample of a filter by itself, as tests and timings run it; the result is in filter.out. renormal is the offset against denormal numbers
-    before this call, which uses both signs of it. Any thread that has the filter to itself; lock-free. */
+/** One sample of a filter by itself, as tests and timings run it; the result is in filter.out. renormal is the offset
+    against denormal numbers before this call, which uses both signs of it. Any thread that has the filter to itself;
+    lock-free. */
 void filter_multimode_dsp_morph (FilterMultimode& filter, float in, float renormal) noexcept;
 
 /** The offset that the next call on any filter of the process starts from; its sign flips at every call.

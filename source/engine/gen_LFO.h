@@ -42,10 +42,10 @@ struct GenLFO
     the first block. */
 void gen_LFO_init (GenLFO& lfo) noexcept;
 
-/** Takes a generator kind; a new one recomputes the shape. Audio thread, once per block. */
+/** Takes a generator kind; a new one recomputes the shape. Audio thread, at the start of a block. */
 void gen_LFO_set_kind (GenLFO& lfo, std::uint16_t kind) noexcept;
 
-/** Takes the skew parameter, 0 to 1; a new one recomputes the shape. Audio thread, once per block. */
+/** Takes the skew parameter, 0 to 1; a new one recomputes the shape. Audio thread, at the start of a block. */
 void gen_LFO_set_skew (GenLFO& lfo, float skewParameter) noexcept;
 
 /** Notes the modulated rate in hertz, at least 0.01. This reaches nothing that sounds: the increments come

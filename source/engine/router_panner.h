@@ -27,8 +27,8 @@ void router_panner_1to2_init (RouterPanner1to2& panner) noexcept;
 /** Frees the table. Any thread, after the last block. */
 void router_panner_1to2_free (RouterPanner1to2& panner) noexcept;
 
-/** Sets the gains for a position, 0 to 1; changes nothing if the table is missing. Audio thread, in those ticks in which
-    the position is new. */
+/** Sets the gains for a position, 0 to 1; changes nothing if the table is missing. Audio thread, in those ticks in
+    which the position is new. */
 inline void router_panner_1to2_set (RouterPanner1to2& panner, float pan) noexcept
 {
     if (panner.table == nullptr)
@@ -49,8 +49,8 @@ inline void router_panner_1to2_set (RouterPanner1to2& panner, float pan) noexcep
     }
 }
 
-/** One sample: in at the gains in force, into outL and outR. Audio thread, lock-free; the block's last sample only, since
-    a tick's are worked out together. */
+/** One sample: in at the gains in force, into outL and outR. Audio thread, lock-free; the block's last sample only,
+    since a tick's are worked out together. */
 inline void router_panner_1to2_dsp (RouterPanner1to2& panner, float in) noexcept
 {
     panner.outL = in * panner.gainL;

@@ -46,14 +46,16 @@ struct RoutingEntry
     float gain;
 };
 
-/** Compiles a list in time that goes with the number of steps, 12 µs for 80 entries in no order; allocates nothing. Any thread; the caller holds the lock of the plan's matrix. */
+/** Compiles a list in time that goes with the number of steps, 12 µs for 80 entries in no order; allocates nothing.
+    Any thread; the caller holds the lock of the plan's matrix. */
 void routing_plan_compile (RoutingPlan& plan, std::span<const RoutingEntry> list) noexcept;
 
 /** Copies what is in use of another plan. Any thread; the caller holds the lock of the plan's matrix. */
 void routing_plan_copy (RoutingPlan& plan, const RoutingPlan& other) noexcept;
 
 /** Sums the sources into the destinations that have any, at the gains of the list if hasGains; the others keep
-    what they hold. The sources come negated: they are taken away. Audio thread; the caller holds the lock of the plan's matrix. */
+    what they hold. The sources come negated: they are taken away. Audio thread; the caller holds the lock of the
+    plan's matrix. */
 template <bool hasGains>
 inline void routing_plan_run (const RoutingPlan& plan, const float* negatives,
                               DestLanes& dests) noexcept

@@ -24,6 +24,7 @@ ParamSnapshot noSnapshot() noexcept;
 
 /** Writes a snapshot into the engine's block values: switches above 0.5 are on, choices are truncated, the rest goes as
     it is or through a transform. bound is the snapshot that this engine got last, or noSnapshot(), and becomes the new
-    one; transforms are worked out only where the two differ. Audio thread, once per block, lock-free. */
+    one; where the two are the same, to the bit, nothing but the envelope's coefficients is left to do. Audio thread,
+    once per block, lock-free. */
 void bindSnapshot (const ParamSnapshot& snapshot, ParamSnapshot& bound,
                    VelkorEngine& engine) noexcept;

@@ -45,12 +45,17 @@ static juce::String nameOf (const fs::directory_entry& entry)
     return textOf (entry.path().filename().u8string());
 }
 
+juce::File childOf (const juce::File& folder, const juce::String& path)
+{
+    return folder.getChildFile ("./" + path);
+}
+
 std::vector<FolderEntry> listEntries (const juce::File& folder)
 {
     std::vector<FolderEntry> entries;
     forEachEntry (filesystemPath (folder),
                   [&] (const fs::directory_entry& entry, bool isFolder) {
-                      entries.push_back ({ folder.getChildFile (nameOf (entry)), isFolder });
+                      entries.push_back ({ childOf (folder, nameOf (entry)), isFolder });
                   });
     return entries;
 }
@@ -119,7 +124,7 @@ int countFilesBelow (const juce::File& folder, juce::StringRef extension)
 /** Whether file, which is below folder, is hidden or in a hidden folder. */
 static bool isOutOfSight (juce::File file, const juce::File& folder)
 {
-    for (; file != folder; file = file.getParentDirectory())
+    for (; file != folder && ! file.isRoot(); file = file.getParentDirectory())
         if (file.isHidden())
             return true;
 
@@ -146,9 +151,23 @@ bool comesBefore (const juce::File& a, const juce::File& b)
     return order != 0 ? order < 0 : pathA < pathB;
 }
 
-bool deleteFolder (const juce::File& folder)
+static bool deleteTree (const fs::path& path)
 {
     std::error_code failure;
-    fs::remove_all (filesystemPath (folder), failure);
-    return ! failure;
+    bool isEmpty = true;
+
+    if (fs::is_directory (fs::symlink_status (path, failure)))
+        for (fs::directory_iterator entry (path, failure), end; ! failure && entry != end;
+             entry.increment (failure))
+            isEmpty = deleteTree (entry->path()) && isEmpty;
+
+    if (isEmpty)
+        fs::remove (path, failure);
+
+    return isEmpty && ! failure;
+}
+
+bool deleteFolder (const juce::File& folder)
+{
+    return deleteTree (filesystemPath (folder));
 }

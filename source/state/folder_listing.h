@@ -15,6 +15,10 @@ struct FolderEntry
     bool isFolder = false;  ///< a folder, or a link to one
 };
 
+/** The file that a path below a folder names, whatever it begins with: the framework's getChildFile takes a name
+    that begins with "~" for a user's home. A path with ".." may lead out of the folder. Any thread. */
+juce::File childOf (const juce::File& folder, const juce::String& path);
+
 /** All files and folders right in a folder, hidden ones included, in no order; empty if it can't be read. Leaves
     out names that are no UTF-8: no File can have them, and the framework's own listing writes beyond its memory
     there. Asks the system about links alone, where that one asks about every file. Any thread. */
@@ -36,6 +40,6 @@ juce::Array<juce::File> listPresetsBelow (const juce::File& folder);
     in nothing else, which the system may tell apart. Any thread. */
 bool comesBefore (const juce::File& a, const juce::File& b);
 
-/** Deletes a folder with all that is in it, whatever the names; of a link, the link alone. False if anything is
-    left. Any thread. */
+/** Deletes a folder with all that is in it, whatever the names; of a link, the link alone. What can't be deleted
+    stays, with the folders on the way to it, and the answer is false then. Any thread. */
 bool deleteFolder (const juce::File& folder);

@@ -2,6 +2,7 @@
 #include "state/utf8.h"
 
 #include <cstddef>
+#include <vector>
 
 /** Bytes of the character that begins with this one, 0 if none does. */
 static std::size_t sequenceLength (unsigned char first) noexcept
@@ -47,12 +48,13 @@ juce::String textOfBytes (std::string_view bytes)
     if (isUtf8 (bytes))
         return juce::String::fromUTF8 (bytes.data(), static_cast<int> (bytes.size()));
 
-    juce::String text;
+    std::vector<juce::juce_wchar> text;
+    text.reserve (bytes.size() + 1);
 
     for (const char byte : bytes)
-        text << juce::String::charToString (
-            juce::CharacterFunctions::getUnicodeCharFromWindows1252Codepage (
-                static_cast<juce::uint8> (byte)));
+        text.push_back (juce::CharacterFunctions::getUnicodeCharFromWindows1252Codepage (
+            static_cast<juce::uint8> (byte)));
 
-    return text;
+    text.push_back (0);
+    return juce::String (juce::CharPointer_UTF32 (text.data()));
 }

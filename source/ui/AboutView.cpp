@@ -168,6 +168,7 @@ void AboutView::timerCallback()
 
 juce::String AboutView::mailLink() const
 {
+    // The address is a link as the build gives it, with "mailto:" before it.
     return juce::String (JucePlugin_ManufacturerEmail) + "?subject=" + "Velkor" +
            " help&body=" + mailBody;
 }

@@ -228,15 +228,6 @@ TEST_F (BrowserWindowMouse, TheScrollBarDragsNoRow)
     release (onRow (0, "B"));
     EXPECT_EQ (lib ("B").getNumberOfChildFiles (juce::File::findFiles), 1);
     EXPECT_EQ (lib ("A").getNumberOfChildFiles (juce::File::findFiles), 62);
-
-    // A drop on it is one beside the rows: it goes to the column's own folder, not to the one of the row there.
-    for (int i = 0; i < 60; ++i)
-        lib ("A/a folder " + juce::String (i)).createDirectory();
-
-    putPreset ("A/a folder 0/Deep.zbpreset", "Deep");
-    browser().rebuildAndReopen ({ "A", "a folder 0" });
-    drag (onRow (2, "Deep"), thumb);
-    EXPECT_TRUE (lib ("A/Deep.zbpreset").existsAsFile());
     pump (300);
 }
 
