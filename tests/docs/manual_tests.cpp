@@ -4,16 +4,16 @@
 #include "parameters/parameter_table.h"
 #include "parameters/sync_display_parameter.h"
 #include "support/parameter_store.h"
+#include "tools/render_run.h"
 
+#include <algorithm>
 #include <cmath>
-#include <gtest/gtest.h>
 #include <map>
 #include <regex>
 #include <set>
-#include <string>
-#include <vector>
 
-// The manual says what the code says: names, ranges, texts and beat lengths, and every link leads somewhere.
+// The manual says what the code says: names, ranges, texts, beat lengths and options; every link leads somewhere, and
+// each worked patch is what its command makes.
 
 namespace
 {
@@ -22,7 +22,37 @@ juce::File docs()
     return juce::File (VELKOR_TEST_DATA).getSiblingFile ("docs");
 }
 
-/** The lines of the manual, without what is code. */
+/** What a pattern's first group catches, each time that it fits. */
+std::vector<std::string> allIn (const juce::String& text, const char* pattern)
+{
+    const auto searched = text.toStdString();
+    const std::regex regex (pattern);
+    std::vector<std::string> found;
+
+    for (auto it = std::sregex_iterator (searched.begin(), searched.end(), regex);
+         it != std::sregex_iterator(); ++it)
+        found.push_back ((*it)[1]);
+
+    return found;
+}
+
+std::set<std::string> optionsIn (const juce::String& text)
+{
+    const auto found = allIn (text, "(?:^|[ `\\[(,|])(--[a-z][a-z-]*)");
+    return { found.begin(), found.end() };
+}
+
+/** The chapter of the manual that bears a heading. */
+juce::String chapter (const juce::String& heading)
+{
+    return docs()
+        .getChildFile ("manual.md")
+        .loadFileAsString()
+        .fromFirstOccurrenceOf ("\n## " + heading + "\n", false, false)
+        .upToFirstOccurrenceOf ("\n## ", false, false);
+}
+
+/** The lines of a document, without what is code. */
 juce::StringArray proseOf (const juce::File& file)
 {
     juce::StringArray lines, prose;
@@ -35,57 +65,30 @@ juce::StringArray proseOf (const juce::File& file)
     return prose;
 }
 
-using Row = std::vector<juce::String>;
-
-/** The cells of a table's line; none if it is no such line. */
-Row cellsOf (const juce::String& line)
+/** The cells of each row of the manual's tables whose head starts with a word and has so many cells. */
+std::vector<juce::StringArray> tablesHeaded (const char* word, int numCells)
 {
-    Row cells;
-
-    if (line.startsWithChar ('|'))
-        for (const auto& cell : juce::StringArray::fromTokens (
-                 line.substring (1, line.lastIndexOfChar ('|')), "|", ""))
-            cells.push_back (cell.trim());
-
-    return cells;
-}
-
-/** The rows of every table whose head starts with a word. */
-std::vector<Row> tablesHeaded (const juce::String& word)
-{
-    std::vector<Row> rows;
+    std::vector<juce::StringArray> rows;
     bool isInside = false, isHead = true;
 
     for (const auto& line : proseOf (docs().getChildFile ("manual.md")))
     {
-        const auto cells = cellsOf (line);
+        auto cells =
+            juce::StringArray::fromTokens (line.trim().trimCharactersAtStart ("|"), "|", "");
+        cells.removeEmptyStrings();
+        cells.trim();
 
-        if (cells.empty())
-            isHead = true;
+        if (! line.startsWithChar ('|'))
+            isInside = false;
         else if (isHead)
-        {
-            isInside = cells.front() == word && cells.size() > 2;
-            isHead = false;
-        }
-        else if (isInside && ! cells.front().startsWith ("--"))
+            isInside = cells[0] == word && cells.size() == numCells;
+        else if (isInside && ! cells[0].startsWith ("--"))
             rows.push_back (cells);
+
+        isHead = ! line.startsWithChar ('|');
     }
 
     return rows;
-}
-
-/** What stands between the backquotes of a cell. */
-std::vector<std::string> quotedIn (const juce::String& cell)
-{
-    static const std::regex quoted ("`([^`]+)`");
-    const auto text = cell.toStdString();
-    std::vector<std::string> found;
-
-    for (auto it = std::sregex_iterator (text.begin(), text.end(), quoted);
-         it != std::sregex_iterator(); ++it)
-        found.push_back ((*it)[1]);
-
-    return found;
 }
 
 juce::String rangeOf (const juce::RangedAudioParameter& parameter)
@@ -97,59 +100,49 @@ juce::String rangeOf (const juce::RangedAudioParameter& parameter)
     return lowest + (parameter.getNumSteps() == 2 ? ", " : " to ") + highest;
 }
 
-/** What a heading's link is called: lower case, blanks to hyphens, other signs left out. */
-juce::String anchorOf (const juce::String& heading)
-{
-    return heading.trim().toLowerCase().replaceCharacter (' ', '-').retainCharacters (
-        "abcdefghijklmnopqrstuvwxyz0123456789-_");
-}
-
+/** What a document's headings' links are called: lower case, blanks to hyphens, other signs left out. */
 std::set<juce::String> anchorsOf (const juce::File& file)
 {
     std::set<juce::String> anchors;
 
     for (const auto& line : proseOf (file))
         if (line.startsWithChar ('#'))
-            anchors.insert (anchorOf (line.trimCharactersAtStart ("#")));
+            anchors.insert (line.trimCharactersAtStart ("#")
+                                .trim()
+                                .toLowerCase()
+                                .replaceCharacter (' ', '-')
+                                .retainCharacters ("abcdefghijklmnopqrstuvwxyz0123456789-_"));
 
     return anchors;
 }
 }  // namespace
 
-TEST (Manual, TellsEveryParameterOnceWithItsRangeAndDefault)
+class Manual : public RenderTest
+{
+};
+
+TEST_F (Manual, TellsEveryParameterOnceWithItsRangeAndDefault)
 {
     ParameterStore store (buildParameters());
     std::map<std::string, int> told;
 
-    for (const auto& row : tablesHeaded ("Control"))
-    {
-        if (row.size() != 5)
-            continue;  // the table of typed values
-
-        for (const auto& name : quotedIn (row[0]))
+    for (const auto& row : tablesHeaded ("Control", 5))
+        for (const auto& name : allIn (row[0], "`([^`]+)`"))
         {
-            SCOPED_TRACE (name);
             ++told[name];
             const auto* parameter = store.state.getParameter (name);
-
-            if (parameter == nullptr)
-            {
-                ADD_FAILURE() << "is no parameter";
-                continue;
-            }
-
-            EXPECT_EQ (row[2], rangeOf (*parameter));
-            EXPECT_EQ (row[3], parameter->getText (parameter->getDefaultValue(), 100));
+            ASSERT_NE (parameter, nullptr) << name;
+            EXPECT_EQ (row[2], rangeOf (*parameter)) << name;
+            EXPECT_EQ (row[3], parameter->getText (parameter->getDefaultValue(), 100)) << name;
         }
-    }
 
     for (const auto& info : parameterInfo)
         EXPECT_EQ (told[info.name], 1) << info.name;
 }
 
-TEST (Manual, TellsEveryBeatLength)
+TEST_F (Manual, TellsEveryBeatLength)
 {
-    const auto rows = tablesHeaded ("Length");
+    const auto rows = tablesHeaded ("Length", 7);
     ASSERT_EQ (rows.size(), gBeatMults.size());
     const double tempos[] = { 80.0, 100.0, 120.0, 140.0, 170.0 };
 
@@ -157,47 +150,96 @@ TEST (Manual, TellsEveryBeatLength)
     {
         const auto& row = rows[i];
         const auto beats = static_cast<double> (gBeatMults[i]);
-        ASSERT_EQ (row.size(), 7u);
         EXPECT_EQ (row[0], SyncDisplayParameter::kBeatLabels[static_cast<int> (i)]);
         EXPECT_NEAR (row[1].getDoubleValue(), beats, 0.0005) << row[0];
 
-        for (std::size_t n = 0; n < std::size (tempos); ++n)
-            EXPECT_NEAR (row[n + 2].getDoubleValue(), beats * 60000.0 / tempos[n], 0.501)
-                << row[0] << " at " << tempos[n];
+        for (int n = 0; n < 5; ++n)
+            EXPECT_NEAR (row[n + 2].getDoubleValue(), beats * 60000.0 / tempos[n], 0.501) << row[0];
     }
 }
 
-TEST (Manual, LinksOfTheDocumentsLeadSomewhere)
+TEST_F (Manual, LinksOfTheDocumentsLeadSomewhere)
 {
-    static const std::regex link ("\\]\\(([^)]+)\\)");
-    const auto root = docs().getParentDirectory();
     int checked = 0;
 
     for (const char* name :
          { "docs/manual.md", "docs/design.md", "docs/presets.md", "README.md", "CHANGELOG.md" })
     {
-        const auto file = root.getChildFile (name);
-        const auto text = proseOf (file).joinIntoString ("\n").toStdString();
+        const auto document = docs().getSiblingFile (name);
 
-        for (auto it = std::sregex_iterator (text.begin(), text.end(), link);
-             it != std::sregex_iterator(); ++it)
+        for (const juce::String target :
+             allIn (proseOf (document).joinIntoString ("\n"), "\\]\\(([^)]+)\\)"))
         {
-            const juce::String target ((*it)[1].str());
-
             if (target.contains ("://"))
                 continue;
 
             const auto path =
                 juce::URL::removeEscapeChars (target.upToFirstOccurrenceOf ("#", false, false));
             const auto anchor = target.fromFirstOccurrenceOf ("#", false, false);
-            const auto leadsTo = path.isEmpty() ? file : file.getSiblingFile (path);
+            const auto leadsTo = path.isEmpty() ? document : document.getSiblingFile (path);
             EXPECT_TRUE (leadsTo.exists()) << name << ": " << target;
-
-            EXPECT_TRUE (anchor.isEmpty() || anchorsOf (leadsTo).count (anchor) == 1)
+            EXPECT_TRUE (anchor.isEmpty() || anchorsOf (leadsTo).contains (anchor))
                 << name << ": " << target;
             ++checked;
         }
     }
 
     EXPECT_GT (checked, 30);
+}
+
+TEST_F (Manual, TellsEveryOptionAndNoOther)
+{
+    const auto help = optionsIn (run ({ "--help" }).out);
+    EXPECT_GT (help.size(), 15u);
+    EXPECT_EQ (optionsIn (chapter ("The command-line renderer")), help);
+}
+
+TEST_F (Manual, EveryPatchIsWhatItsCommandMakes)
+{
+    const auto text = chapter ("Five worked patches").replace ("\\\n", " ");
+    int checked = 0;
+
+    for (const auto& line : juce::StringArray::fromLines (text))
+    {
+        if (! line.startsWith ("    velkor-render "))
+            continue;
+
+        SCOPED_TRACE (line);
+        Words command;
+
+        for (const auto& word : juce::StringArray::fromTokens (line.trim(), " ", "\""))
+            if (word.isNotEmpty())
+                command.push_back (word.unquoted().toStdString());
+
+        command.erase (command.begin());
+        EXPECT_EQ (run (command).exitCode, 0);
+        const auto made = juce::parseXML (file (command.back()));
+        const auto kept =
+            juce::parseXML (docs().getChildFile ("patches").getChildFile (command.back()));
+        ASSERT_TRUE (made != nullptr && kept != nullptr);
+        EXPECT_EQ (kept->getStringAttribute ("PresetName"),
+                   made->getStringAttribute ("PresetName"));
+
+        for (const auto* matrix : { "SignalMatrix", "ModMatrix" })
+            EXPECT_EQ (kept->getChildByName (matrix)->toString(),
+                       made->getChildByName (matrix)->toString());
+
+        const auto* const values = kept->getChildByName ("Parameters");
+        EXPECT_EQ (values->getNumChildElements(), 57);
+
+        for (const auto* param : made->getChildByName ("Parameters")->getChildIterator())
+        {
+            const auto id = param->getStringAttribute ("id");
+            const auto value = param->getDoubleAttribute ("value");
+            const auto* const same = values->getChildByAttribute ("id", id);
+            ASSERT_NE (same, nullptr) << id;
+            EXPECT_NEAR (same->getDoubleAttribute ("value"), value,
+                         1e-6 * std::max (1.0, std::abs (value)))
+                << id;
+        }
+
+        ++checked;
+    }
+
+    EXPECT_EQ (checked, 5);
 }

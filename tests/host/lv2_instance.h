@@ -1,30 +1,28 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
-#include "lv2_bundle.h"
-
 #include <cstdint>
-#include <map>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 
-/** What a time:Position object tells; what is empty is left out of it. */
+/** What a time:Position object tells. */
 struct Lv2Position
 {
     std::int64_t frame = 0;
     bool isRolling = false;
-    std::optional<float> beatsPerMinute;
-    std::optional<double> beat;
+    float beatsPerMinute = 0.0f;  ///< 0 leaves it out
+    double beat = -1.0;           ///< in quarter notes; a negative one leaves it out
 };
 
-/** A running plug-in: 2 audio ports in, 2 out, atom sequences in and out. */
+/** A running plug-in, hosted by lilv as in most hosts of Linux: 2 audio ports in, 2 out, atom sequences in and
+    out, all of them found by their symbols. */
 class Lv2Instance
 {
 public:
-    /** Throws std::runtime_error if the plug-in refuses. The bundle must outlive this. */
-    Lv2Instance (const Lv2Bundle& bundle, double sampleRate, std::int32_t maxBlock);
+    /** folder is the .lv2 folder of a bundle with one plug-in. Throws std::runtime_error if there is none or it
+        refuses. */
+    Lv2Instance (const std::string& folder, double sampleRate, std::int32_t maxBlock);
     ~Lv2Instance();
 
     /** These go into the next run, in the order of the calls. */
@@ -35,21 +33,12 @@ public:
     /** What the port "enabled" says from the next run on; true at first. */
     void setEnabled (bool enabled);
 
-    void run (const float* inLeft, const float* inRight, float* outLeft, float* outRight,
-              std::uint32_t numSamples);
+    /** Processes in place. The number of MIDI events that the plug-in sent. */
+    int run (float* left, float* right, std::uint32_t numSamples);
 
-    /** Parameter values that the plug-in sent in the last run, by URI. */
-    std::map<std::string, float> getSentParameters() const;
-
-    /** What the last run sent besides parameter values. */
-    int getNumOtherEvents() const;
-
-    /** The state as a host's session file keeps it (Turtle), and back. False if the plug-in refuses. */
+    /** The state as a host's session file keeps it (Turtle), and back. Throws std::runtime_error if that fails. */
     std::string saveState() const;
-    bool restoreState (const std::string& turtle);
-
-    /** Hands the plug-in a single string property. */
-    bool restoreProperty (const std::string& uri, const std::string& value);
+    void restoreState (const std::string& turtle);
 
 private:
     struct Impl;

@@ -97,6 +97,7 @@ void RenderTest::write (const std::string& name, const juce::AudioBuffer<float>&
                         double rate, int bits) const
 {
     const auto format = formatOf (file (name).getFileExtension());
+    file (name).deleteFile();
     auto stream = file (name).createOutputStream();
     ASSERT_NE (stream, nullptr);
     const std::unique_ptr<juce::AudioFormatWriter> writer (format->createWriterFor (
