@@ -155,13 +155,13 @@ public:
     {
         // Hosts tell the transport when it changes, and without a tempo nobody can tell where the beat goes on.
         const auto& now = block.transport;
-        const auto said = std::exchange (
-            lastSaid, { now.getBpm(), now.getPpqPosition().hasValue(), now.getIsPlaying() });
+        const auto tempo = now.getBpm().orFallback (0.0);
+        const std::tuple toSay { tempo, now.getPpqPosition().hasValue(), now.getIsPlaying() };
 
-        if (said != lastSaid || ! now.getBpm())
-            instance->sendPosition ({ *now.getTimeInSamples(), now.getIsPlaying(),
-                                      static_cast<float> (now.getBpm().orFallback (0.0)),
-                                      now.getPpqPosition().orFallback (-1.0) });
+        if (std::exchange (lastSaid, toSay) != toSay || ! now.getBpm())
+            instance->sendPosition (*now.getTimeInSamples(), now.getIsPlaying(),
+                                    static_cast<float> (tempo),
+                                    now.getPpqPosition().orFallback (-1.0));
 
         for (const auto event : block.midi)
             instance->sendMidi (event.samplePosition,
@@ -173,13 +173,13 @@ public:
             << "the plug-in sent MIDI";
     }
 
-    void bypass (bool isBypassed) override { instance->setEnabled (! isBypassed); }
+    void bypass (bool isBypassed) override { instance->enabled = isBypassed ? 0.0f : 1.0f; }
     std::string save() override { return instance->saveState(); }
     void restore (const std::string& state) override { instance->restoreState (state); }
 
 private:
     std::unique_ptr<Lv2Instance> instance;
-    std::tuple<juce::Optional<double>, bool, bool> lastSaid { -1.0, false, false };
+    std::tuple<double, bool, bool> lastSaid { -1.0, false, false };
 };
 #endif
 

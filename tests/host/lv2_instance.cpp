@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "lv2_instance.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <deque>
 #include <lilv/lilv.h>
 #include <lv2/atom/forge.h>
 #include <lv2/atom/util.h>
@@ -10,12 +12,10 @@
 #include <lv2/core/lv2.h>
 #include <lv2/midi/midi.h>
 #include <lv2/options/options.h>
-#include <lv2/parameters/parameters.h>
 #include <lv2/patch/patch.h>
 #include <lv2/state/state.h>
 #include <lv2/time/time.h>
 #include <lv2/urid/urid.h>
-#include <map>
 #include <stdexcept>
 
 namespace
@@ -42,47 +42,39 @@ struct Lv2Instance::Impl
 {
     Impl (const std::string& folder, double sampleRate, std::int32_t maxBlock);
 
-    void connect (const char* symbol, void* data) const;
-
-    void beginSequence()
+    LV2_URID operator[] (const std::string& uri)
     {
-        lv2_atom_forge_set_buffer (&forge, toSend.data(), toSend.size());
-        lv2_atom_forge_sequence_head (&forge, &frame, 0);
+        const auto place = std::find (uris.begin(), uris.end(), uri);
+        const auto number = static_cast<LV2_URID> (place - uris.begin() + 1);
+
+        if (place == uris.end())
+            uris.push_back (uri);
+
+        return number;
     }
+
+    void connect (const char* symbol, void* data) const;
+    void beginSequence();
+    void beginObject (std::int64_t frame, const char* type);
+    void key (const char* uri) { lv2_atom_forge_key (&forge, (*this)[uri]); }
+    void endObject() { lv2_atom_forge_pop (&forge, &object); }
 
     World world { lilv_world_new(), lilv_world_free };
     const LilvPlugin* plugin = nullptr;
 
-    /** URIs as numbers, from 1. */
-    std::map<std::string, LV2_URID> numbers;
-    LV2_URID_Map map { &numbers, [] (LV2_URID_Map_Handle handle, const char* uri)
-                       {
-                           auto& known = *static_cast<std::map<std::string, LV2_URID>*> (handle);
-                           const auto next = static_cast<LV2_URID> (known.size() + 1);
-                           return known.try_emplace (uri, next).first->second;
-                       } };
-    LV2_URID_Unmap unmap { &numbers, [] (LV2_URID_Unmap_Handle handle, LV2_URID wanted)
-                           {
-                               const char* found = nullptr;
-
-                               for (const auto& [uri, number] :
-                                    *static_cast<std::map<std::string, LV2_URID>*> (handle))
-                                   if (number == wanted)
-                                       found = uri.c_str();
-
-                               return found;
-                           } };
-
-    LV2_URID operator[] (const char* uri) const { return map.map (map.handle, uri); }
+    std::deque<std::string> uris;  ///< as numbers they count from 1
+    LV2_URID_Map map { this, [] (LV2_URID_Map_Handle self, const char* uri)
+                       { return (*static_cast<Impl*> (self))[uri]; } };
+    LV2_URID_Unmap unmap { this, [] (LV2_URID_Unmap_Handle self, LV2_URID number)
+                           { return static_cast<Impl*> (self)->uris.at (number - 1).c_str(); } };
 
     LV2_Atom_Forge forge {};
-    LV2_Atom_Forge_Frame frame {};
+    LV2_Atom_Forge_Frame sequence {}, object {};
     alignas (8) std::array<std::uint8_t, 65536> toSend {}, sent {};
-    float latency = -1.0f, freeWheeling = 0.0f, enabled = 1.0f;
+    float latency = -1.0f, freeWheeling = 0.0f;
 
-    std::int32_t minBlock = 0, blockSize = 0, sequenceSize = 65536;
-    float rate = 0.0f;
-    std::array<LV2_Options_Option, 6> options {};
+    std::int32_t blockSize = 0;
+    std::array<LV2_Options_Option, 2> options {};
     std::array<LV2_Feature, 4> features {};
     std::array<const LV2_Feature*, 5> featureList {};
 
@@ -90,7 +82,7 @@ struct Lv2Instance::Impl
 };
 
 Lv2Instance::Impl::Impl (const std::string& folder, double sampleRate, std::int32_t maxBlock)
-    : blockSize (maxBlock), rate (static_cast<float> (sampleRate))
+    : blockSize (maxBlock)
 {
     const Node path (lilv_new_file_uri (world.get(), nullptr, (folder + "/").c_str()),
                      lilv_node_free);
@@ -100,16 +92,9 @@ Lv2Instance::Impl::Impl (const std::string& folder, double sampleRate, std::int3
         checked (lilv_plugins_get (plugins, lilv_plugins_begin (plugins)), "no plug-in " + folder);
     lv2_atom_forge_init (&forge, &map);
 
-    const auto option = [&] (const char* key, LV2_URID type, const void* value)
-    { return LV2_Options_Option { LV2_OPTIONS_INSTANCE, 0, (*this)[key], 4, type, value }; };
-
-    options = { option (LV2_BUF_SIZE__minBlockLength, forge.Int, &minBlock),
-                option (LV2_BUF_SIZE__maxBlockLength, forge.Int, &blockSize),
-                option (LV2_BUF_SIZE__nominalBlockLength, forge.Int, &blockSize),
-                option (LV2_BUF_SIZE__sequenceSize, forge.Int, &sequenceSize),
-                option (LV2_PARAMETERS__sampleRate, forge.Float, &rate),
-                LV2_Options_Option {} };
-
+    options[0] = {
+        LV2_OPTIONS_INSTANCE, 0, (*this)[LV2_BUF_SIZE__maxBlockLength], 4, forge.Int, &blockSize
+    };
     features = { LV2_Feature { LV2_URID__map, &map }, LV2_Feature { LV2_URID__unmap, &unmap },
                  LV2_Feature { LV2_OPTIONS__options, options.data() },
                  LV2_Feature { LV2_BUF_SIZE__boundedBlockLength, nullptr } };
@@ -123,9 +108,7 @@ Lv2Instance::Impl::Impl (const std::string& folder, double sampleRate, std::int3
     connect ("out", sent.data());
     connect ("latency", &latency);
     connect ("freeWheeling", &freeWheeling);
-    connect ("enabled", &enabled);
     beginSequence();
-    lilv_instance_activate (instance.get());
 }
 
 void Lv2Instance::Impl::connect (const char* symbol, void* data) const
@@ -136,9 +119,23 @@ void Lv2Instance::Impl::connect (const char* symbol, void* data) const
     lilv_instance_connect_port (instance.get(), lilv_port_get_index (plugin, port), data);
 }
 
+void Lv2Instance::Impl::beginSequence()
+{
+    lv2_atom_forge_set_buffer (&forge, toSend.data(), toSend.size());
+    lv2_atom_forge_sequence_head (&forge, &sequence, 0);
+}
+
+void Lv2Instance::Impl::beginObject (std::int64_t frame, const char* type)
+{
+    lv2_atom_forge_frame_time (&forge, frame);
+    lv2_atom_forge_object (&forge, &object, 0, (*this)[type]);
+}
+
 Lv2Instance::Lv2Instance (const std::string& folder, double sampleRate, std::int32_t maxBlock)
     : impl (std::make_unique<Impl> (folder, sampleRate, maxBlock))
 {
+    impl->connect ("enabled", &enabled);
+    lilv_instance_activate (impl->instance.get());
 }
 
 Lv2Instance::~Lv2Instance()
@@ -148,41 +145,12 @@ Lv2Instance::~Lv2Instance()
 
 void Lv2Instance::sendParameter (const std::string& uri, float value)
 {
-    auto& forge = impl->forge;
-    LV2_Atom_Forge_Frame object;
-    lv2_atom_forge_frame_time (&forge, 0);
-    lv2_atom_forge_object (&forge, &object, 0, (*impl)[LV2_PATCH__Set]);
-    lv2_atom_forge_key (&forge, (*impl)[LV2_PATCH__property]);
-    lv2_atom_forge_urid (&forge, (*impl)[uri.c_str()]);
-    lv2_atom_forge_key (&forge, (*impl)[LV2_PATCH__value]);
-    lv2_atom_forge_float (&forge, value);
-    lv2_atom_forge_pop (&forge, &object);
-}
-
-void Lv2Instance::sendPosition (const Lv2Position& position)
-{
-    auto& forge = impl->forge;
-    LV2_Atom_Forge_Frame object;
-    lv2_atom_forge_frame_time (&forge, 0);
-    lv2_atom_forge_object (&forge, &object, 0, (*impl)[LV2_TIME__Position]);
-    lv2_atom_forge_key (&forge, (*impl)[LV2_TIME__frame]);
-    lv2_atom_forge_long (&forge, position.frame);
-    lv2_atom_forge_key (&forge, (*impl)[LV2_TIME__speed]);
-    lv2_atom_forge_float (&forge, position.isRolling ? 1.0f : 0.0f);
-
-    if (position.beatsPerMinute > 0.0f)
-    {
-        lv2_atom_forge_key (&forge, (*impl)[LV2_TIME__beatsPerMinute]);
-        lv2_atom_forge_float (&forge, position.beatsPerMinute);
-    }
-
-    if (position.beat >= 0.0)
-    {
-        lv2_atom_forge_key (&forge, (*impl)[LV2_TIME__beat]);
-        lv2_atom_forge_double (&forge, position.beat);
-    }
-
-    lv2_atom_forge_pop (&forge, &object);
+    impl->beginObject (0, LV2_PATCH__Set);
+    impl->key (LV2_PATCH__property);
+    lv2_atom_forge_urid (&impl->forge, (*impl)[uri]);
+    impl->key (LV2_PATCH__value);
+    lv2_atom_forge_float (&impl->forge, value);
+    impl->endObject();
 }
 
 void Lv2Instance::sendMidi (std::int64_t frame, std::span<const std::uint8_t> bytes)
@@ -193,20 +161,39 @@ void Lv2Instance::sendMidi (std::int64_t frame, std::span<const std::uint8_t> by
     lv2_atom_forge_write (&impl->forge, bytes.data(), size);
 }
 
-void Lv2Instance::setEnabled (bool enabled)
+void Lv2Instance::sendPosition (std::int64_t frame, bool isRolling, float tempo, double beat)
 {
-    impl->enabled = enabled ? 1.0f : 0.0f;
+    impl->beginObject (0, LV2_TIME__Position);
+    impl->key (LV2_TIME__frame);
+    lv2_atom_forge_long (&impl->forge, frame);
+    impl->key (LV2_TIME__speed);
+    lv2_atom_forge_float (&impl->forge, isRolling ? 1.0f : 0.0f);
+
+    if (tempo > 0.0f)
+    {
+        impl->key (LV2_TIME__beatsPerMinute);
+        lv2_atom_forge_float (&impl->forge, tempo);
+    }
+
+    if (beat >= 0.0)
+    {
+        impl->key (LV2_TIME__beat);
+        lv2_atom_forge_double (&impl->forge, beat);
+    }
+
+    impl->endObject();
 }
 
 int Lv2Instance::run (float* left, float* right, std::uint32_t numSamples)
 {
-    lv2_atom_forge_pop (&impl->forge, &impl->frame);
+    lv2_atom_forge_pop (&impl->forge, &impl->sequence);
 
     // The standard allows a host to connect both sides to the same memory.
-    impl->connect ("audio_in_1", left);
-    impl->connect ("audio_in_2", right);
-    impl->connect ("audio_out_1", left);
-    impl->connect ("audio_out_2", right);
+    for (const auto* symbol : { "audio_in_1", "audio_out_1" })
+        impl->connect (symbol, left);
+
+    for (const auto* symbol : { "audio_in_2", "audio_out_2" })
+        impl->connect (symbol, right);
 
     // An output sequence comes as a chunk that says how much room there is.
     auto* const room = reinterpret_cast<LV2_Atom*> (impl->sent.data());
@@ -215,10 +202,10 @@ int Lv2Instance::run (float* left, float* right, std::uint32_t numSamples)
     lilv_instance_run (impl->instance.get(), numSamples);
     impl->beginSequence();
 
-    const auto* const sequence = reinterpret_cast<const LV2_Atom_Sequence*> (impl->sent.data());
+    const auto* const sent = reinterpret_cast<const LV2_Atom_Sequence*> (impl->sent.data());
     int count = 0;
 
-    LV2_ATOM_SEQUENCE_FOREACH (sequence, event)
+    LV2_ATOM_SEQUENCE_FOREACH (sent, event)
     count += event->body.type == (*impl)[LV2_MIDI__MidiEvent] ? 1 : 0;
 
     return count;
