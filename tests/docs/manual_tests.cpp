@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-#include "engine/sync_beats.h"
 #include "parameters/build_parameters.h"
 #include "parameters/parameter_table.h"
-#include "parameters/sync_display_parameter.h"
 #include "support/parameter_store.h"
 #include "tools/render_run.h"
 
@@ -12,7 +10,7 @@
 #include <regex>
 #include <set>
 
-// The manual says what the code says: names, ranges, texts, beat lengths and options; every link leads somewhere, and
+// The manual says what the code says: names, ranges, defaults and options; every link leads somewhere, and
 // each worked patch is what its command makes.
 
 namespace
@@ -65,32 +63,6 @@ juce::StringArray proseOf (const juce::File& file)
     return prose;
 }
 
-/** The cells of each row of the manual's tables whose head starts with a word and has so many cells. */
-std::vector<juce::StringArray> tablesHeaded (const char* word, int numCells)
-{
-    std::vector<juce::StringArray> rows;
-    bool isInside = false, isHead = true;
-
-    for (const auto& line : proseOf (docs().getChildFile ("manual.md")))
-    {
-        auto cells =
-            juce::StringArray::fromTokens (line.trim().trimCharactersAtStart ("|"), "|", "");
-        cells.removeEmptyStrings();
-        cells.trim();
-
-        if (! line.startsWithChar ('|'))
-            isInside = false;
-        else if (isHead)
-            isInside = cells[0] == word && cells.size() == numCells;
-        else if (isInside && ! cells[0].startsWith ("--"))
-            rows.push_back (cells);
-
-        isHead = ! line.startsWithChar ('|');
-    }
-
-    return rows;
-}
-
 juce::String rangeOf (const juce::RangedAudioParameter& parameter)
 {
     if (const auto* choice = dynamic_cast<const juce::AudioParameterChoice*> (&parameter))
@@ -126,36 +98,27 @@ TEST_F (Manual, TellsEveryParameterOnceWithItsRangeAndDefault)
     ParameterStore store (buildParameters());
     std::map<std::string, int> told;
 
-    for (const auto& row : tablesHeaded ("Control", 5))
-        for (const auto& name : allIn (row[0], "`([^`]+)`"))
+    for (const auto& line : proseOf (docs().getChildFile ("manual.md")))
+    {
+        // | controls | panel | range | default | what it does |
+        const auto cells = juce::StringArray::fromTokens (line, "|", "");
+
+        if (cells.size() != 7)
+            continue;
+
+        for (const auto& name : allIn (cells[1], "`([^`]+)`"))
         {
             ++told[name];
             const auto* parameter = store.state.getParameter (name);
             ASSERT_NE (parameter, nullptr) << name;
-            EXPECT_EQ (row[2], rangeOf (*parameter)) << name;
-            EXPECT_EQ (row[3], parameter->getText (parameter->getDefaultValue(), 100)) << name;
+            EXPECT_EQ (cells[3].trim(), rangeOf (*parameter)) << name;
+            EXPECT_EQ (cells[4].trim(), parameter->getText (parameter->getDefaultValue(), 100))
+                << name;
         }
+    }
 
     for (const auto& info : parameterInfo)
         EXPECT_EQ (told[info.name], 1) << info.name;
-}
-
-TEST_F (Manual, TellsEveryBeatLength)
-{
-    const auto rows = tablesHeaded ("Length", 7);
-    ASSERT_EQ (rows.size(), gBeatMults.size());
-    const double tempos[] = { 80.0, 100.0, 120.0, 140.0, 170.0 };
-
-    for (std::size_t i = 0; i < rows.size(); ++i)
-    {
-        const auto& row = rows[i];
-        const auto beats = static_cast<double> (gBeatMults[i]);
-        EXPECT_EQ (row[0], SyncDisplayParameter::kBeatLabels[static_cast<int> (i)]);
-        EXPECT_NEAR (row[1].getDoubleValue(), beats, 0.0005) << row[0];
-
-        for (int n = 0; n < 5; ++n)
-            EXPECT_NEAR (row[n + 2].getDoubleValue(), beats * 60000.0 / tempos[n], 0.501) << row[0];
-    }
 }
 
 TEST_F (Manual, LinksOfTheDocumentsLeadSomewhere)

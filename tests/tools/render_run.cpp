@@ -112,21 +112,17 @@ void RenderTest::write (const std::string& name, const juce::AudioBuffer<float>&
     }
 
     // The writer's own conversion of floats may come out one step below what a value stands for.
-    std::vector<std::vector<int>> integers;
+    std::vector<std::vector<int>> steps (static_cast<std::size_t> (samples.getNumChannels()));
     std::vector<const int*> channels;
 
-    for (int channel = 0; channel < samples.getNumChannels(); ++channel)
+    for (int channel = 0; auto& ofChannel : steps)
     {
-        auto& steps = integers.emplace_back();
-
         for (int i = 0; i < samples.getNumSamples(); ++i)
-            steps.push_back (static_cast<int> (samples.getSample (channel, i) * 2147483648.0));
+            ofChannel.push_back (static_cast<int> (samples.getSample (channel, i) * 2147483648.0));
+
+        channels.push_back (ofChannel.data());
+        ++channel;
     }
-
-    channels.reserve (integers.size() + 1);
-
-    for (const auto& steps : integers)
-        channels.push_back (steps.data());
 
     channels.push_back (nullptr);
     ASSERT_TRUE (writer->write (channels.data(), samples.getNumSamples()));

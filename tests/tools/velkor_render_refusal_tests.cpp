@@ -30,12 +30,7 @@ protected:
 
     void expectRefusal (const Refusal& refusal, const std::string& setUp = {}) const
     {
-        std::string shown;
-
-        for (const auto& word : refusal.arguments)
-            shown += word + " | ";
-
-        SCOPED_TRACE (shown);
+        SCOPED_TRACE (testing::PrintToString (refusal.arguments));
         const auto before = content();
         const auto result = run (refusal.arguments, setUp);
         EXPECT_EQ (result.exitCode, refusal.exitCode);
@@ -53,7 +48,6 @@ TEST_F (RenderRefusal, FilesThatCannotBeUsedOrMeant)
     write ("in.aiff", impulses (10, 0, 0.5f, 0.5f), 44100.0, 24);
     ASSERT_TRUE (file ("in.wav").createSymbolicLink (file ("link.wav"), false));
     ASSERT_TRUE (file ("there").createDirectory().wasOk());
-    file ("folder.zbpreset").createDirectory();
     write ("six.wav", juce::AudioBuffer<float> (6, 100));
     juce::MemoryBlock whole;
     file ("in.wav").loadFileAsData (whole);
@@ -64,31 +58,22 @@ TEST_F (RenderRefusal, FilesThatCannotBeUsedOrMeant)
              Refusal { { "text.wav", "o.wav" }, 1, "text.wav" },
              Refusal { { "short.wav", "o.wav" }, 1, "short.wav" },
              Refusal { { "six.wav", "o.wav" }, 1, "six.wav" },
-             Refusal { { ".", "o.wav" }, 1, "." },
              Refusal { { "new\nline.wav", "o.wav" }, 1, "new line.wav" },
-             Refusal { { "--midi", "gone.mid", "in.wav", "o.wav" }, 1, "gone.mid" },
              Refusal { { "--midi", "text.mid", "in.wav", "o.wav" }, 1, "text.mid" },
              Refusal { { "in.wav", "text.wav/o.wav" }, 1, "text.wav/o.wav" },
-             Refusal { { "--save-preset", "folder.zbpreset" }, 1, "folder.zbpreset" },
              Refusal { { "--save-preset", "text.wav/p.zbpreset" }, 1, "text.wav/p.zbpreset" },
              Refusal { { "--save-preset", "in.wav", "o.wav" }, 2, "in.wav" },
-             Refusal { { "--save-preset", "p" }, 2, "\"p\"" },
              Refusal { { "--save-preset", "" }, 2, "--save-preset" },
              Refusal { { "--save-preset", "p.zbpreset", "in.wav" }, 2, "OUTPUT" },
              Refusal { { "--save-preset", "p.zbpreset", "gone.wav", "o.wav" }, 1, "gone.wav" },
-             Refusal { { "--save-preset", "p.zbpreset", "--parameters" }, 2, "--save-preset" },
-             Refusal { { "--list-presets", "in.wav" }, 2, "in.wav" },
              Refusal { { "in.wav", "text.wav", "folder/" }, 1, "text.wav" },
              Refusal { {}, 2, "INPUT" },
              Refusal { { "in.wav" }, 2, "OUTPUT" },
-             Refusal { { "--demo" }, 2, "OUTPUT" },
              Refusal { { "--demo", "in.wav", "o.wav" }, 2, "in.wav" },
              Refusal { { "in.wav", "o.mp3" }, 2, "o.mp3" },
-             Refusal { { "in.wav", "o" }, 2, "\"o\"" },
              Refusal { { "link.wav", "./in.wav" }, 2, "in.wav" },
              Refusal { { "in.wav", "in.aiff", "o.wav" }, 2, "o.wav" },
              Refusal { { "in.wav", "in.aiff", "there" }, 2, "there/in.wav" },
-             Refusal { { "--format", "mp3", "in.wav", "there" }, 2, "mp3" },
              Refusal { { "--format", "flac", "in.wav", "o.wav" }, 2, "o.wav" },
              Refusal { { "--bits", "32", "in.wav", "o.flac" }, 2, "o.flac" },
              Refusal { { "--bits", "20", "in.wav", "o.wav" }, 2, "20" },
@@ -118,7 +103,6 @@ TEST_F (RenderRefusal, PresetsThatCannotBeUsed)
            "folder.zbpreset", "pipe.zbpreset", "Tape Dely", "64", "11 - Basic Sync", "Default" })
         expectRefusal ({ { "--preset", preset, "in.wav", "o.wav" }, 1, preset });
 
-    expectRefusal ({ { "--preset", "", "in.wav", "o.wav" }, 1, "\"\"" });
     expectRefusal (
         { { "--preset", "Tape Dely", "--save-preset", "o.zbpreset" }, 1, "--list-presets" });
 }
@@ -128,21 +112,15 @@ TEST_F (RenderRefusal, WordsThatMeanNothing)
     const std::vector<std::pair<Words, const char*>> options = {
         { { "--nonsense" }, "--nonsense" },
         { { "--set", "Dealy 1 Time=5" }, "Dealy 1 Time" },
-        { { "--set", "Delay 1 Time=" }, "Delay 1 Time" },
         { { "--set", "Delay 1 Time=1001" }, "1001" },
         { { "--set", "Delay 1 Time=5 kHz" }, "5 kHz" },
         { { "--set", "Delay 1 Time=1/8D" }, "Delay 1 Sync" },
         { { "--set", "Delay 1 Multiplier=x3" }, "x3" },
-        { { "--set", "Delay 1 Multiplier=0.5" }, "0.5" },
         { { "--set", "Dry Level=+4 dB" }, "+4 dB" },
         { { "--set", "Filter 1 Freq=nan" }, "nan" },
-        { { "--set", "LFO 1 Skew=50" }, "50" },
         { { "--connect", "Delay 3 > Filter 1" }, "Delay 3" },
-        { { "--connect", "Delay 1 > Input L" }, "Input L" },
         { { "--disconnect", "everything" }, "everything" },
         { { "--unroute", "LFO 1 > Output 1" }, "Output 1" },
-        { { "--tempo", "fast" }, "fast" },
-        { { "--block", "0" }, "--block" },
         { { "--block", "16385" }, "16385" },
         { { "--rate", "100" }, "100" },
         { { "--tail", "-1" }, "-1" },

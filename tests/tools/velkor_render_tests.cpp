@@ -97,15 +97,17 @@ TEST_F (RenderFiles, TheExtensionDecidesTheOutputFormatAndBitsItsWordLength)
     }
 
     // Values go to the nearest step, and full scale stays in range.
-    auto samples = impulses (3, 0, 100.7f / 32768.0f, -100.7f / 32768.0f);
-    samples.setSample (0, 1, 100.3f / 32768.0f);
-    samples.setSample (1, 1, -100.3f / 32768.0f);
-    samples.setSample (0, 2, 1.5f);
-    samples.setSample (1, 2, -1.5f);
+    const float steps[] = { 100.7f, 100.3f, 40000.0f };
+    const float want[][2] = { { 101.0f, -101.0f }, { 100.0f, -100.0f }, { 32767.0f, -32768.0f } };
+    juce::AudioBuffer<float> samples (2, 3);
+
+    for (int i = 0; i < 3; ++i)
+        for (int channel = 0; channel < 2; ++channel)
+            samples.setSample (channel, i, (channel == 0 ? steps[i] : -steps[i]) / 32768.0f);
+
     write ("in.wav", samples);
     render (kDryOnly + Words { "--bits", "16", "in.wav", "o.wav" });
     const auto sound = read ("o.wav");
-    const float want[3][2] = { { 101, -101 }, { 100, -100 }, { 32767, -32768 } };
 
     for (int i = 0; i < 3; ++i)
         for (int channel = 0; channel < 2; ++channel)
