@@ -2,7 +2,6 @@
 #include "render_run.h"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 
 // That what velkor-render is told about the patch arrives there, and the presets that it starts from and writes.
@@ -19,30 +18,6 @@ juce::File factoryFile (const juce::String& title)
 juce::var parse (const std::string& json)
 {
     return juce::JSON::parse (juce::String (json));
-}
-
-/** That a report tells of the values and the numbers of cables and routes that a document holds. */
-void expectPatchOf (const juce::var& settings, const juce::File& file)
-{
-    const auto document = juce::parseXML (file);
-    ASSERT_NE (document, nullptr) << file.getFullPathName();
-    int parameters = 0;
-
-    for (const auto* param : document->getChildByName ("Parameters")->getChildIterator())
-    {
-        const auto id = param->getStringAttribute ("id");
-        const auto want = param->getDoubleAttribute ("value");
-        EXPECT_NEAR (static_cast<double> (settings["parameters"][juce::Identifier (id)]), want,
-                     1e-5 * std::max (1.0, std::abs (want)))
-            << id;
-        ++parameters;
-    }
-
-    EXPECT_EQ (parameters, 57);
-    EXPECT_EQ (settings["connections"].size(),
-               document->getChildByName ("SignalMatrix")->getNumChildElements());
-    EXPECT_EQ (settings["routes"].size(),
-               document->getChildByName ("ModMatrix")->getNumChildElements());
 }
 }  // namespace
 
@@ -169,7 +144,7 @@ TEST_F (RenderPatch, TheBankIsListedAndPreferredByAnyNameUnlessAPathIsGiven)
             render ({ "--preset", name.toStdString(), "--json", "--save-preset", "p.zbpreset" })
                 .out);
         EXPECT_EQ (report["settings"]["preset"].toString(), title);
-        expectPatchOf (report["settings"], factoryFile (title));
+        expectSamePatch (file ("p.zbpreset"), factoryFile (title));
     }
 
     for (const auto* name : { "11", "Tape Delay", "64", "mine.zbpreset" })
@@ -256,7 +231,7 @@ TEST_F (RenderPatch, SavingNeedsNoSoundAndReplacesTheFileWhole)
                                    .out);
     EXPECT_EQ (report["files"].size(), 0);
     EXPECT_EQ (report["settings"]["savedPreset"].toString(), "link.zbpreset");
-    expectPatchOf (report["settings"], file ("real.zbpreset"));
+    expectSamePatch (file ("real.zbpreset"), file ("of/late/made.ZBPRESET"));
     EXPECT_TRUE (file ("link.zbpreset").isSymbolicLink());
     EXPECT_EQ (content().joinIntoString (","),
                "in.wav,link.zbpreset,of,of/late,of/late/made.ZBPRESET,real.zbpreset");

@@ -178,6 +178,7 @@ TEST_F (RenderFiles, TheReportIsJsonAndTrue)
     EXPECT_NEAR (static_cast<double> (job["peakDbfs"][0]), -6.0206, 1e-4);
     EXPECT_NEAR (static_cast<double> (job["rmsDbfs"][0]), -36.0206, 1e-4);  // 30 dB: one of 1000
     EXPECT_EQ (static_cast<double> (report["settings"]["tempo"]), 90.0);
+    EXPECT_NEAR (static_cast<double> (report["settings"]["parameters"]["Dry Level"]), 1.0, 1e-6);
 }
 
 TEST_F (RenderFiles, TheDemoIsFourBarsAtTheTempoAndAlwaysTheSame)
