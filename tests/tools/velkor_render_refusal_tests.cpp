@@ -85,22 +85,18 @@ TEST_F (RenderRefusal, PresetsThatCannotBeUsed)
 {
     const juce::String document = "<VelkorSettings PresetName=\"x\"><Parameters/></VelkorSettings>";
     file ("cut.zbpreset").replaceWithText (document.dropLastCharacters (4));
-    file ("empty.zbpreset").create();
     file ("bare.zbpreset").replaceWithText ("<VelkorSettings PresetName=\"x\"/>");
     file ("entity.zbpreset")
         .replaceWithText ("<!DOCTYPE VelkorSettings [<!ENTITY a \"x&a;\">]>" +
                           document.replace ("\"x\"", "\"&a;\""));
-    file ("deep.zbpreset")
-        .replaceWithText (juce::String::repeatedString ("<VelkorSettings>", 20000));
-    file ("huge.zbpreset").replaceWithText (document + juce::String::repeatedString (" ", 5 << 20));
     file ("folder.zbpreset").createDirectory();
     ASSERT_EQ (
         std::system (("mkfifo '" + file ("pipe.zbpreset").getFullPathName() + "'").toRawUTF8()), 0);
 
     for (const auto* preset :
          { "gone.zbpreset", "gone/11.zbpreset", "text.wav", "other.xml", "cut.zbpreset",
-           "empty.zbpreset", "bare.zbpreset", "entity.zbpreset", "deep.zbpreset", "huge.zbpreset",
-           "folder.zbpreset", "pipe.zbpreset", "Tape Dely", "64", "11 - Basic Sync", "Default" })
+           "bare.zbpreset", "entity.zbpreset", "folder.zbpreset", "pipe.zbpreset", "Tape Dely",
+           "64", "11 - Basic Sync", "Default" })
         expectRefusal ({ { "--preset", preset, "in.wav", "o.wav" }, 1, preset });
 
     expectRefusal (
