@@ -4,8 +4,8 @@
 #include "engine/engine_globals.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <iterator>
 
@@ -236,11 +236,11 @@ void expectSameSamples (const juce::AudioBuffer<float>& got, const juce::AudioBu
 {
     ASSERT_EQ (got.getNumSamples(), want.getNumSamples());
 
+    const auto bits = [] (float sample) { return std::bit_cast<std::uint32_t> (sample); };
+
     for (int channel = 0; channel < 2; ++channel)
         for (int n = 0; n < want.getNumSamples(); ++n)
-            ASSERT_EQ (std::memcmp (got.getReadPointer (channel, n),
-                                    want.getReadPointer (channel, n), sizeof (float)),
-                       0)
+            ASSERT_EQ (bits (got.getSample (channel, n)), bits (want.getSample (channel, n)))
                 << "channel " << channel << " differs from sample " << n << ": "
                 << got.getSample (channel, n) << ", the processor alone gives "
                 << want.getSample (channel, n);
