@@ -1,19 +1,15 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-#include "engine/sync_beats.h"
 #include "parameters/build_parameters.h"
 #include "parameters/parameter_table.h"
-#include "parameters/sync_display_parameter.h"
 #include "support/parameter_store.h"
+#include "tools/render_run.h"
 
-#include <cmath>
-#include <gtest/gtest.h>
 #include <map>
 #include <regex>
 #include <set>
-#include <string>
-#include <vector>
 
-// The manual says what the code says: names, ranges, texts and beat lengths, and every link leads somewhere.
+// The manual says what the code says: names, ranges, defaults and options; every link leads somewhere, and
+// each worked patch is what its command makes.
 
 namespace
 {
@@ -22,7 +18,37 @@ juce::File docs()
     return juce::File (VELKOR_TEST_DATA).getSiblingFile ("docs");
 }
 
-/** The lines of the manual, without what is code. */
+/** What a pattern's first group catches, each time that it fits. */
+std::vector<std::string> allIn (const juce::String& text, const char* pattern)
+{
+    const auto searched = text.toStdString();
+    const std::regex regex (pattern);
+    std::vector<std::string> found;
+
+    for (auto it = std::sregex_iterator (searched.begin(), searched.end(), regex);
+         it != std::sregex_iterator(); ++it)
+        found.push_back ((*it)[1]);
+
+    return found;
+}
+
+std::set<std::string> optionsIn (const juce::String& text)
+{
+    const auto found = allIn (text, "(?:^|[ `\\[(,|])(--[a-z][a-z-]*)");
+    return { found.begin(), found.end() };
+}
+
+/** The chapter of the manual that bears a heading. */
+juce::String chapter (const juce::String& heading)
+{
+    return docs()
+        .getChildFile ("manual.md")
+        .loadFileAsString()
+        .fromFirstOccurrenceOf ("\n## " + heading + "\n", false, false)
+        .upToFirstOccurrenceOf ("\n## ", false, false);
+}
+
+/** The lines of a document, without what is code. */
 juce::StringArray proseOf (const juce::File& file)
 {
     juce::StringArray lines, prose;
@@ -35,59 +61,6 @@ juce::StringArray proseOf (const juce::File& file)
     return prose;
 }
 
-using Row = std::vector<juce::String>;
-
-/** The cells of a table's line; none if it is no such line. */
-Row cellsOf (const juce::String& line)
-{
-    Row cells;
-
-    if (line.startsWithChar ('|'))
-        for (const auto& cell : juce::StringArray::fromTokens (
-                 line.substring (1, line.lastIndexOfChar ('|')), "|", ""))
-            cells.push_back (cell.trim());
-
-    return cells;
-}
-
-/** The rows of every table whose head starts with a word. */
-std::vector<Row> tablesHeaded (const juce::String& word)
-{
-    std::vector<Row> rows;
-    bool isInside = false, isHead = true;
-
-    for (const auto& line : proseOf (docs().getChildFile ("manual.md")))
-    {
-        const auto cells = cellsOf (line);
-
-        if (cells.empty())
-            isHead = true;
-        else if (isHead)
-        {
-            isInside = cells.front() == word && cells.size() > 2;
-            isHead = false;
-        }
-        else if (isInside && ! cells.front().startsWith ("--"))
-            rows.push_back (cells);
-    }
-
-    return rows;
-}
-
-/** What stands between the backquotes of a cell. */
-std::vector<std::string> quotedIn (const juce::String& cell)
-{
-    static const std::regex quoted ("`([^`]+)`");
-    const auto text = cell.toStdString();
-    std::vector<std::string> found;
-
-    for (auto it = std::sregex_iterator (text.begin(), text.end(), quoted);
-         it != std::sregex_iterator(); ++it)
-        found.push_back ((*it)[1]);
-
-    return found;
-}
-
 juce::String rangeOf (const juce::RangedAudioParameter& parameter)
 {
     if (const auto* choice = dynamic_cast<const juce::AudioParameterChoice*> (&parameter))
@@ -97,49 +70,48 @@ juce::String rangeOf (const juce::RangedAudioParameter& parameter)
     return lowest + (parameter.getNumSteps() == 2 ? ", " : " to ") + highest;
 }
 
-/** What a heading's link is called: lower case, blanks to hyphens, other signs left out. */
-juce::String anchorOf (const juce::String& heading)
-{
-    return heading.trim().toLowerCase().replaceCharacter (' ', '-').retainCharacters (
-        "abcdefghijklmnopqrstuvwxyz0123456789-_");
-}
-
+/** What a document's headings' links are called: lower case, blanks to hyphens, other signs left out. */
 std::set<juce::String> anchorsOf (const juce::File& file)
 {
     std::set<juce::String> anchors;
 
     for (const auto& line : proseOf (file))
         if (line.startsWithChar ('#'))
-            anchors.insert (anchorOf (line.trimCharactersAtStart ("#")));
+            anchors.insert (line.trimCharactersAtStart ("#")
+                                .trim()
+                                .toLowerCase()
+                                .replaceCharacter (' ', '-')
+                                .retainCharacters ("abcdefghijklmnopqrstuvwxyz0123456789-_"));
 
     return anchors;
 }
 }  // namespace
 
-TEST (Manual, TellsEveryParameterOnceWithItsRangeAndDefault)
+class Manual : public RenderTest
+{
+};
+
+TEST_F (Manual, TellsEveryParameterOnceWithItsRangeAndDefault)
 {
     ParameterStore store (buildParameters());
     std::map<std::string, int> told;
 
-    for (const auto& row : tablesHeaded ("Control"))
+    for (const auto& line : proseOf (docs().getChildFile ("manual.md")))
     {
-        if (row.size() != 5)
-            continue;  // the table of typed values
+        // | controls | panel | range | default | what it does |
+        const auto cells = juce::StringArray::fromTokens (line, "|", "");
 
-        for (const auto& name : quotedIn (row[0]))
+        if (cells.size() != 7)
+            continue;
+
+        for (const auto& name : allIn (cells[1], "`([^`]+)`"))
         {
-            SCOPED_TRACE (name);
             ++told[name];
             const auto* parameter = store.state.getParameter (name);
-
-            if (parameter == nullptr)
-            {
-                ADD_FAILURE() << "is no parameter";
-                continue;
-            }
-
-            EXPECT_EQ (row[2], rangeOf (*parameter));
-            EXPECT_EQ (row[3], parameter->getText (parameter->getDefaultValue(), 100));
+            ASSERT_NE (parameter, nullptr) << name;
+            EXPECT_EQ (cells[3].trim(), rangeOf (*parameter)) << name;
+            EXPECT_EQ (cells[4].trim(), parameter->getText (parameter->getDefaultValue(), 100))
+                << name;
         }
     }
 
@@ -147,57 +119,65 @@ TEST (Manual, TellsEveryParameterOnceWithItsRangeAndDefault)
         EXPECT_EQ (told[info.name], 1) << info.name;
 }
 
-TEST (Manual, TellsEveryBeatLength)
+TEST_F (Manual, LinksOfTheDocumentsLeadSomewhere)
 {
-    const auto rows = tablesHeaded ("Length");
-    ASSERT_EQ (rows.size(), gBeatMults.size());
-    const double tempos[] = { 80.0, 100.0, 120.0, 140.0, 170.0 };
-
-    for (std::size_t i = 0; i < rows.size(); ++i)
-    {
-        const auto& row = rows[i];
-        const auto beats = static_cast<double> (gBeatMults[i]);
-        ASSERT_EQ (row.size(), 7u);
-        EXPECT_EQ (row[0], SyncDisplayParameter::kBeatLabels[static_cast<int> (i)]);
-        EXPECT_NEAR (row[1].getDoubleValue(), beats, 0.0005) << row[0];
-
-        for (std::size_t n = 0; n < std::size (tempos); ++n)
-            EXPECT_NEAR (row[n + 2].getDoubleValue(), beats * 60000.0 / tempos[n], 0.501)
-                << row[0] << " at " << tempos[n];
-    }
-}
-
-TEST (Manual, LinksOfTheDocumentsLeadSomewhere)
-{
-    static const std::regex link ("\\]\\(([^)]+)\\)");
-    const auto root = docs().getParentDirectory();
     int checked = 0;
 
     for (const char* name :
          { "docs/manual.md", "docs/design.md", "docs/presets.md", "README.md", "CHANGELOG.md" })
     {
-        const auto file = root.getChildFile (name);
-        const auto text = proseOf (file).joinIntoString ("\n").toStdString();
+        const auto document = docs().getSiblingFile (name);
 
-        for (auto it = std::sregex_iterator (text.begin(), text.end(), link);
-             it != std::sregex_iterator(); ++it)
+        for (const juce::String target :
+             allIn (proseOf (document).joinIntoString ("\n"), "\\]\\(([^)]+)\\)"))
         {
-            const juce::String target ((*it)[1].str());
-
             if (target.contains ("://"))
                 continue;
 
             const auto path =
                 juce::URL::removeEscapeChars (target.upToFirstOccurrenceOf ("#", false, false));
             const auto anchor = target.fromFirstOccurrenceOf ("#", false, false);
-            const auto leadsTo = path.isEmpty() ? file : file.getSiblingFile (path);
+            const auto leadsTo = path.isEmpty() ? document : document.getSiblingFile (path);
             EXPECT_TRUE (leadsTo.exists()) << name << ": " << target;
-
-            EXPECT_TRUE (anchor.isEmpty() || anchorsOf (leadsTo).count (anchor) == 1)
+            EXPECT_TRUE (anchor.isEmpty() || anchorsOf (leadsTo).contains (anchor))
                 << name << ": " << target;
             ++checked;
         }
     }
 
     EXPECT_GT (checked, 30);
+}
+
+TEST_F (Manual, TellsEveryOptionAndNoOther)
+{
+    const auto help = optionsIn (run ({ "--help" }).out);
+    EXPECT_GT (help.size(), 15u);
+    EXPECT_EQ (optionsIn (chapter ("The command-line renderer")), help);
+}
+
+TEST_F (Manual, EveryPatchIsWhatItsCommandMakes)
+{
+    const auto text = chapter ("Five worked patches").replace ("\\\n", " ");
+    int checked = 0;
+
+    for (const auto& line : juce::StringArray::fromLines (text))
+    {
+        if (! line.startsWith ("    velkor-render "))
+            continue;
+
+        SCOPED_TRACE (line);
+        Words command;
+
+        for (const auto& word : juce::StringArray::fromTokens (line.trim(), " ", "\""))
+            if (word.isNotEmpty())
+                command.push_back (word.unquoted().toStdString());
+
+        command.erase (command.begin());
+        EXPECT_EQ (run (command).exitCode, 0);
+        expectSamePatch (docs().getChildFile ("patches").getChildFile (command.back()),
+                         file (command.back()));
+        ++checked;
+    }
+
+    EXPECT_EQ (checked, 5);
 }

@@ -8,55 +8,16 @@ set -euo pipefail
 
 bundle=$(cd "$1" && pwd)
 
-for tool in jalv.gtk3 jackd jack_lsp jack_connect jack-play jack-record sox Xvfb xdotool import identify; do
-    command -v "$tool" >/dev/null || { echo "no $tool: skipped"; exit 77; }
-done
-
-work=$(mktemp -d)
-started=()
-
-stop()
-{
-    for process in "${started[@]}"; do kill "$process" 2>/dev/null || true; done
-    wait 2>/dev/null || true
-    rm -rf "$work"
-}
-
-trap stop EXIT
-mkdir "$work/home"
-export HOME=$work/home LV2_PATH=${bundle%/*}:/usr/lib/lv2
+. "$(dirname "${BASH_SOURCE[0]}")/own_display.sh"
+need jalv.gtk3 jackd jack_lsp jack-play jack-record sox import identify
+export LV2_PATH=${bundle%/*}:/usr/lib/lv2
 export JACK_DEFAULT_SERVER=velkor-$$ JACK_NO_START_SERVER=1 JACK_NO_AUDIO_RESERVATION=1
-unset XDG_CONFIG_HOME XDG_DATA_HOME WAYLAND_DISPLAY
 
-fail() { tail -n 20 "$work"/*.log >&2; printf '%s\n' "$*" >&2; exit 1; }
-
-# wait_for SECONDS COMMAND...: until it succeeds.
-wait_for()
-{
-    local end=$((SECONDS + $1))
-    shift
-
-    until "$@" >/dev/null 2>&1; do
-        [ "$SECONDS" -lt "$end" ] || return 1
-        sleep 0.2
-    done
-}
-
-# --- start ----------------------------------------------------------------------------------------
-
-Xvfb -displayfd 3 -screen 0 1600x1200x24 -nolisten tcp 3>"$work/display" 2>"$work/xvfb.log" &
-started+=($!)
-wait_for 20 test -s "$work/display" || fail "Xvfb does not start"
-DISPLAY=:$(cat "$work/display")
-export DISPLAY
-
-jackd --name "$JACK_DEFAULT_SERVER" --no-realtime --sync -d dummy -r 48000 -p 1024 >"$work/jack.log" 2>&1 &
-started+=($!)
+start jack jackd --name "$JACK_DEFAULT_SERVER" --no-realtime --sync -d dummy -r 48000 -p 1024
 wait_for 20 jack_lsp || fail "jackd does not start"
 
-jalv.gtk3 urn:com.zubrow.Velkor >"$work/jalv.log" 2>&1 &
+start jalv jalv.gtk3 urn:com.zubrow.Velkor
 jalv=$!
-started+=("$jalv")
 wait_for 30 sh -c 'jack_lsp | grep -q -x Velkor:audio_out_2' || fail "jalv shows no ports of Velkor"
 
 # --- the window -------------------------------------------------------------------------------------
@@ -71,8 +32,7 @@ wait_for 20 painted || fail "the editor is not painted"
 
 # The tone fits into the default delay of 501 ms 500 times, so the echo falls in step with it and doubles it.
 sox -n -r 48000 -b 16 -c 2 "$work/tone.wav" synth 8 sine 998 gain -12
-JACK_PLAY_CONNECT_TO=Velkor:audio_in_%d jack-play "$work/tone.wav" >"$work/play.log" 2>&1 &
-started+=($!)
+JACK_PLAY_CONNECT_TO=Velkor:audio_in_%d start play jack-play "$work/tone.wav"
 wait_for 20 sh -c 'jack_lsp -c Velkor:audio_in_2 | grep -q play' || fail "the tone does not reach the plug-in"
 jack-record -t 3 -p Velkor:audio_out_%d "$work/out.wav" >"$work/record.log" 2>&1 || fail "nothing is recorded"
 
@@ -90,10 +50,7 @@ kill -0 "$jalv" 2>/dev/null || fail "jalv died"
 kill "$jalv"
 status=0
 wait "$jalv" || status=$?
-case $status in
-    0 | 143) ;;    # by itself, or by the signal
-    *) fail "jalv ended with $status" ;;
-esac
+[ "$status" = 0 ] || [ "$status" = 143 ] || fail "jalv ended with $status"    # 143 is the signal
 
 ! grep -i -E 'error|assert|segmentation' "$work/jalv.log" || fail "jalv complains"
 printf 'jalv: %s colours in the picture, level %s times the tone\n' "$(identify -format %k "$work/shot.png")" \

@@ -1,173 +1,141 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "lv2_instance.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
-#include <iterator>
+#include <deque>
 #include <lilv/lilv.h>
-#include <lv2/atom/atom.h>
 #include <lv2/atom/forge.h>
 #include <lv2/atom/util.h>
 #include <lv2/buf-size/buf-size.h>
 #include <lv2/core/lv2.h>
 #include <lv2/midi/midi.h>
 #include <lv2/options/options.h>
-#include <lv2/parameters/parameters.h>
 #include <lv2/patch/patch.h>
 #include <lv2/state/state.h>
 #include <lv2/time/time.h>
 #include <lv2/urid/urid.h>
 #include <stdexcept>
-#include <utility>
-#include <vector>
 
 namespace
 {
 
+using World = std::unique_ptr<LilvWorld, decltype (&lilv_world_free)>;
+using Node = std::unique_ptr<LilvNode, decltype (&lilv_node_free)>;
 using State = std::unique_ptr<LilvState, decltype (&lilv_state_free)>;
 using Instance = std::unique_ptr<LilvInstance, decltype (&lilv_instance_free)>;
 using Text = std::unique_ptr<char, decltype (&lilv_free)>;
 
-/** URIs as numbers, from 1. */
-class Symbols
+template <typename Pointer>
+Pointer checked (Pointer pointer, const std::string& fault)
 {
-public:
-    Symbols() = default;
-    Symbols (const Symbols&) = delete;
-    Symbols& operator= (const Symbols&) = delete;
+    if (pointer == nullptr)
+        throw std::runtime_error (fault);
 
-    LV2_URID operator[] (const std::string& uri)
-    {
-        const auto [place, isNew] =
-            numbers.try_emplace (uri, static_cast<LV2_URID> (numbers.size() + 1));
-
-        if (isNew)
-            uris.push_back (&place->first);
-
-        return place->second;
-    }
-
-    const char* uri (LV2_URID number) const
-    {
-        return number > 0 && number <= uris.size() ? uris[number - 1]->c_str() : nullptr;
-    }
-
-    LV2_URID_Map map { this, [] (LV2_URID_Map_Handle self, const char* uri)
-                       { return (*static_cast<Symbols*> (self))[uri]; } };
-    LV2_URID_Unmap unmap { this, [] (LV2_URID_Unmap_Handle self, LV2_URID number)
-                           { return static_cast<Symbols*> (self)->uri (number); } };
-
-private:
-    std::map<std::string, LV2_URID> numbers;
-    std::vector<const std::string*> uris;  ///< into numbers, whose nodes stay in place
-};
+    return pointer;
+}
 
 }  // namespace
 
 struct Lv2Instance::Impl
 {
-    Impl (const Lv2Bundle& b, double sampleRate, std::int32_t maxBlock);
+    Impl (const std::string& folder, double sampleRate, std::int32_t maxBlock);
 
-    /** The sequence that the last run wrote, event by event. */
-    template <typename Callback>
-    void forEachSent (Callback&& callback) const
+    LV2_URID operator[] (const std::string& uri)
     {
-        const auto* sequence = reinterpret_cast<const LV2_Atom_Sequence*> (sent.data());
+        const auto place = std::find (uris.begin(), uris.end(), uri);
+        const auto number = static_cast<LV2_URID> (place - uris.begin() + 1);
 
-        LV2_ATOM_SEQUENCE_FOREACH (sequence, event)
-        callback (event->body);
+        if (place == uris.end())
+            uris.push_back (uri);
+
+        return number;
     }
 
-    bool isSet (const LV2_Atom& atom) const
-    {
-        return atom.type == forge.Object &&
-               reinterpret_cast<const LV2_Atom_Object&> (atom).body.otype == patchSet;
-    }
-
+    void connect (const char* symbol, void* data) const;
     void beginSequence();
+    void beginObject (std::int64_t frame, const char* type);
+    void key (const char* uri) { lv2_atom_forge_key (&forge, (*this)[uri]); }
+    void endObject() { lv2_atom_forge_pop (&forge, &object); }
 
-    const Lv2Bundle& bundle;
-    Symbols symbols;
+    World world { lilv_world_new(), lilv_world_free };
+    const LilvPlugin* plugin = nullptr;
+
+    std::deque<std::string> uris;  ///< as numbers they count from 1
+    LV2_URID_Map map { this, [] (LV2_URID_Map_Handle self, const char* uri)
+                       { return (*static_cast<Impl*> (self))[uri]; } };
+    LV2_URID_Unmap unmap { this, [] (LV2_URID_Unmap_Handle self, LV2_URID number)
+                           { return static_cast<Impl*> (self)->uris.at (number - 1).c_str(); } };
+
     LV2_Atom_Forge forge {};
-    LV2_Atom_Forge_Frame frame {};
+    LV2_Atom_Forge_Frame sequence {}, object {};
+    alignas (8) std::array<std::uint8_t, 65536> toSend {}, sent {};
+    float latency = -1.0f, freeWheeling = 0.0f;
 
-    alignas (8) std::array<std::uint8_t, 65536> toSend {};
-    alignas (8) std::array<std::uint8_t, 65536> sent {};
-    float latency = -1.0f, freeWheeling = 0.0f, enabled = 1.0f;
-
-    const LV2_URID patchSet = symbols[LV2_PATCH__Set];
-    const LV2_URID patchProperty = symbols[LV2_PATCH__property];
-    const LV2_URID patchValue = symbols[LV2_PATCH__value];
-
-    std::int32_t minBlock = 0, blockSize = 0, sequenceSize = 65536;
-    float rate = 0.0f;
-    std::array<LV2_Options_Option, 6> options {};
+    std::int32_t blockSize = 0;
+    std::array<LV2_Options_Option, 2> options {};
     std::array<LV2_Feature, 4> features {};
     std::array<const LV2_Feature*, 5> featureList {};
 
     Instance instance { nullptr, lilv_instance_free };  // last: it may use all the rest
 };
 
-Lv2Instance::Impl::Impl (const Lv2Bundle& b, double sampleRate, std::int32_t maxBlock)
-    : bundle (b), blockSize (maxBlock), rate (static_cast<float> (sampleRate))
+Lv2Instance::Impl::Impl (const std::string& folder, double sampleRate, std::int32_t maxBlock)
+    : blockSize (maxBlock)
 {
-    lv2_atom_forge_init (&forge, &symbols.map);
+    const Node path (lilv_new_file_uri (world.get(), nullptr, (folder + "/").c_str()),
+                     lilv_node_free);
+    lilv_world_load_bundle (world.get(), path.get());
+    const auto* const plugins = lilv_world_get_all_plugins (world.get());
+    plugin =
+        checked (lilv_plugins_get (plugins, lilv_plugins_begin (plugins)), "no plug-in " + folder);
+    lv2_atom_forge_init (&forge, &map);
 
-    const auto integer = [&] (const char* key, const std::int32_t& value)
-    {
-        return LV2_Options_Option { LV2_OPTIONS_INSTANCE, 0,         symbols[key],
-                                    sizeof value,         forge.Int, &value };
+    options[0] = {
+        LV2_OPTIONS_INSTANCE, 0, (*this)[LV2_BUF_SIZE__maxBlockLength], 4, forge.Int, &blockSize
     };
-
-    options = { integer (LV2_BUF_SIZE__minBlockLength, minBlock),
-                integer (LV2_BUF_SIZE__maxBlockLength, blockSize),
-                integer (LV2_BUF_SIZE__nominalBlockLength, blockSize),
-                integer (LV2_BUF_SIZE__sequenceSize, sequenceSize),
-                LV2_Options_Option { LV2_OPTIONS_INSTANCE, 0, symbols[LV2_PARAMETERS__sampleRate],
-                                     sizeof rate, forge.Float, &rate },
-                LV2_Options_Option {} };
-
-    features = { LV2_Feature { LV2_URID__map, &symbols.map },
-                 LV2_Feature { LV2_URID__unmap, &symbols.unmap },
+    features = { LV2_Feature { LV2_URID__map, &map }, LV2_Feature { LV2_URID__unmap, &unmap },
                  LV2_Feature { LV2_OPTIONS__options, options.data() },
                  LV2_Feature { LV2_BUF_SIZE__boundedBlockLength, nullptr } };
 
     for (std::size_t i = 0; i < features.size(); ++i)
         featureList[i] = &features[i];
 
-    instance.reset (lilv_plugin_instantiate (bundle.getPlugin(), sampleRate, featureList.data()));
-
-    if (instance == nullptr)
-        throw std::runtime_error ("the plug-in makes no instance");
-
-    const auto connect =
-        [&] (const char* type, const char* direction, const char* symbol, void* data)
-    {
-        for (const auto& [index, name] : bundle.getPorts (type, direction))
-            if (name == symbol)
-                return lilv_instance_connect_port (instance.get(), index, data);
-
-        throw std::runtime_error (std::string ("no port ") + symbol);
-    };
-
-    connect ("AtomPort", "InputPort", "in", toSend.data());
-    connect ("AtomPort", "OutputPort", "out", sent.data());
-    connect ("ControlPort", "OutputPort", "latency", &latency);
-    connect ("ControlPort", "InputPort", "freeWheeling", &freeWheeling);
-    connect ("ControlPort", "InputPort", "enabled", &enabled);
+    instance.reset (checked (lilv_plugin_instantiate (plugin, sampleRate, featureList.data()),
+                             "the plug-in makes no instance"));
+    connect ("in", toSend.data());
+    connect ("out", sent.data());
+    connect ("latency", &latency);
+    connect ("freeWheeling", &freeWheeling);
     beginSequence();
-    lilv_instance_activate (instance.get());
+}
+
+void Lv2Instance::Impl::connect (const char* symbol, void* data) const
+{
+    const Node name (lilv_new_string (world.get(), symbol), lilv_node_free);
+    const auto* const port = checked (lilv_plugin_get_port_by_symbol (plugin, name.get()),
+                                      std::string ("no port ") + symbol);
+    lilv_instance_connect_port (instance.get(), lilv_port_get_index (plugin, port), data);
 }
 
 void Lv2Instance::Impl::beginSequence()
 {
     lv2_atom_forge_set_buffer (&forge, toSend.data(), toSend.size());
-    lv2_atom_forge_sequence_head (&forge, &frame, 0);
+    lv2_atom_forge_sequence_head (&forge, &sequence, 0);
 }
 
-Lv2Instance::Lv2Instance (const Lv2Bundle& bundle, double sampleRate, std::int32_t maxBlock)
-    : impl (std::make_unique<Impl> (bundle, sampleRate, maxBlock))
+void Lv2Instance::Impl::beginObject (std::int64_t frame, const char* type)
 {
+    lv2_atom_forge_frame_time (&forge, frame);
+    lv2_atom_forge_object (&forge, &object, 0, (*this)[type]);
+}
+
+Lv2Instance::Lv2Instance (const std::string& folder, double sampleRate, std::int32_t maxBlock)
+    : impl (std::make_unique<Impl> (folder, sampleRate, maxBlock))
+{
+    impl->connect ("enabled", &enabled);
+    lilv_instance_activate (impl->instance.get());
 }
 
 Lv2Instance::~Lv2Instance()
@@ -177,175 +145,94 @@ Lv2Instance::~Lv2Instance()
 
 void Lv2Instance::sendParameter (const std::string& uri, float value)
 {
-    auto& forge = impl->forge;
-    LV2_Atom_Forge_Frame object;
-    lv2_atom_forge_frame_time (&forge, 0);
-    lv2_atom_forge_object (&forge, &object, 0, impl->patchSet);
-    lv2_atom_forge_key (&forge, impl->patchProperty);
-    lv2_atom_forge_urid (&forge, impl->symbols[uri]);
-    lv2_atom_forge_key (&forge, impl->patchValue);
-    lv2_atom_forge_float (&forge, value);
-    lv2_atom_forge_pop (&forge, &object);
-}
-
-void Lv2Instance::sendPosition (const Lv2Position& position)
-{
-    auto& forge = impl->forge;
-    auto& symbols = impl->symbols;
-    LV2_Atom_Forge_Frame object;
-    lv2_atom_forge_frame_time (&forge, 0);
-    lv2_atom_forge_object (&forge, &object, 0, symbols[LV2_TIME__Position]);
-    lv2_atom_forge_key (&forge, symbols[LV2_TIME__frame]);
-    lv2_atom_forge_long (&forge, position.frame);
-    lv2_atom_forge_key (&forge, symbols[LV2_TIME__speed]);
-    lv2_atom_forge_float (&forge, position.isRolling ? 1.0f : 0.0f);
-
-    if (position.beatsPerMinute)
-    {
-        lv2_atom_forge_key (&forge, symbols[LV2_TIME__beatsPerMinute]);
-        lv2_atom_forge_float (&forge, *position.beatsPerMinute);
-    }
-
-    if (position.beat)
-    {
-        lv2_atom_forge_key (&forge, symbols[LV2_TIME__beat]);
-        lv2_atom_forge_double (&forge, *position.beat);
-    }
-
-    lv2_atom_forge_pop (&forge, &object);
+    impl->beginObject (0, LV2_PATCH__Set);
+    impl->key (LV2_PATCH__property);
+    lv2_atom_forge_urid (&impl->forge, (*impl)[uri]);
+    impl->key (LV2_PATCH__value);
+    lv2_atom_forge_float (&impl->forge, value);
+    impl->endObject();
 }
 
 void Lv2Instance::sendMidi (std::int64_t frame, std::span<const std::uint8_t> bytes)
 {
     const auto size = static_cast<std::uint32_t> (bytes.size());
     lv2_atom_forge_frame_time (&impl->forge, frame);
-    lv2_atom_forge_atom (&impl->forge, size, impl->symbols[LV2_MIDI__MidiEvent]);
+    lv2_atom_forge_atom (&impl->forge, size, (*impl)[LV2_MIDI__MidiEvent]);
     lv2_atom_forge_write (&impl->forge, bytes.data(), size);
 }
 
-void Lv2Instance::setEnabled (bool enabled)
+void Lv2Instance::sendPosition (std::int64_t frame, bool isRolling, float tempo, double beat)
 {
-    impl->enabled = enabled ? 1.0f : 0.0f;
+    impl->beginObject (0, LV2_TIME__Position);
+    impl->key (LV2_TIME__frame);
+    lv2_atom_forge_long (&impl->forge, frame);
+    impl->key (LV2_TIME__speed);
+    lv2_atom_forge_float (&impl->forge, isRolling ? 1.0f : 0.0f);
+
+    if (tempo > 0.0f)
+    {
+        impl->key (LV2_TIME__beatsPerMinute);
+        lv2_atom_forge_float (&impl->forge, tempo);
+    }
+
+    if (beat >= 0.0)
+    {
+        impl->key (LV2_TIME__beat);
+        lv2_atom_forge_double (&impl->forge, beat);
+    }
+
+    impl->endObject();
 }
 
-void Lv2Instance::run (const float* inLeft, const float* inRight, float* outLeft, float* outRight,
-                       std::uint32_t numSamples)
+int Lv2Instance::run (float* left, float* right, std::uint32_t numSamples)
 {
-    auto* const instance = impl->instance.get();
-    lv2_atom_forge_pop (&impl->forge, &impl->frame);
+    lv2_atom_forge_pop (&impl->forge, &impl->sequence);
 
-    const auto ins = impl->bundle.getPorts ("AudioPort", "InputPort");
-    const auto outs = impl->bundle.getPorts ("AudioPort", "OutputPort");
-    const auto connect = [&] (const auto& ports, const float* left, const float* right)
-    {
-        lilv_instance_connect_port (instance, ports.begin()->first, const_cast<float*> (left));
-        lilv_instance_connect_port (instance, std::next (ports.begin())->first,
-                                    const_cast<float*> (right));
-    };
+    // The standard allows a host to connect both sides to the same memory.
+    for (const auto* symbol : { "audio_in_1", "audio_out_1" })
+        impl->connect (symbol, left);
 
-    connect (ins, inLeft, inRight);
-    connect (outs, outLeft, outRight);
+    for (const auto* symbol : { "audio_in_2", "audio_out_2" })
+        impl->connect (symbol, right);
 
     // An output sequence comes as a chunk that says how much room there is.
     auto* const room = reinterpret_cast<LV2_Atom*> (impl->sent.data());
     *room = { static_cast<std::uint32_t> (impl->sent.size() - sizeof (LV2_Atom)),
               impl->forge.Chunk };
-    lilv_instance_run (instance, numSamples);
+    lilv_instance_run (impl->instance.get(), numSamples);
     impl->beginSequence();
-}
 
-std::map<std::string, float> Lv2Instance::getSentParameters() const
-{
-    std::map<std::string, float> result;
-
-    impl->forEachSent (
-        [&] (const LV2_Atom& atom)
-        {
-            if (! impl->isSet (atom))
-                return;
-
-            const LV2_Atom* property = nullptr;
-            const LV2_Atom* value = nullptr;
-            lv2_atom_object_get (reinterpret_cast<const LV2_Atom_Object*> (&atom),
-                                 impl->patchProperty, &property, impl->patchValue, &value, 0);
-
-            if (property != nullptr && value != nullptr && value->type == impl->forge.Float)
-                result[impl->symbols.uri (
-                    reinterpret_cast<const LV2_Atom_URID*> (property)->body)] =
-                    reinterpret_cast<const LV2_Atom_Float*> (value)->body;
-        });
-
-    return result;
-}
-
-int Lv2Instance::getNumOtherEvents() const
-{
+    const auto* const sent = reinterpret_cast<const LV2_Atom_Sequence*> (impl->sent.data());
     int count = 0;
-    impl->forEachSent ([&] (const LV2_Atom& atom) { count += impl->isSet (atom) ? 0 : 1; });
+
+    LV2_ATOM_SEQUENCE_FOREACH (sent, event)
+    count += event->body.type == (*impl)[LV2_MIDI__MidiEvent] ? 1 : 0;
+
     return count;
 }
 
 std::string Lv2Instance::saveState() const
 {
-    const State state (lilv_state_new_from_instance (
-                           impl->bundle.getPlugin(), impl->instance.get(), &impl->symbols.map,
-                           nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                           LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE, impl->featureList.data()),
-                       lilv_state_free);
-
-    if (state == nullptr)
-        return {};
-
-    const Text text (lilv_state_to_string (impl->bundle.getWorld(), &impl->symbols.map,
-                                           &impl->symbols.unmap, state.get(), "urn:session:state",
-                                           nullptr),
+    const State state (
+        checked (lilv_state_new_from_instance (impl->plugin, impl->instance.get(), &impl->map,
+                                               nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                                               LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE,
+                                               impl->featureList.data()),
+                 "no state"),
+        lilv_state_free);
+    const Text text (checked (lilv_state_to_string (impl->world.get(), &impl->map, &impl->unmap,
+                                                    state.get(), "urn:session:state", nullptr),
+                              "no text"),
                      lilv_free);
-    return text == nullptr ? std::string() : text.get();
+    return text.get();
 }
 
-bool Lv2Instance::restoreState (const std::string& turtle)
+void Lv2Instance::restoreState (const std::string& turtle)
 {
     const State state (
-        lilv_state_new_from_string (impl->bundle.getWorld(), &impl->symbols.map, turtle.c_str()),
+        checked (lilv_state_new_from_string (impl->world.get(), &impl->map, turtle.c_str()),
+                 "no state in " + turtle),
         lilv_state_free);
-
-    if (state == nullptr)
-        return false;
-
     lilv_state_restore (state.get(), impl->instance.get(), nullptr, nullptr, 0,
                         impl->featureList.data());
-    return true;
-}
-
-bool Lv2Instance::restoreProperty (const std::string& uri, const std::string& value)
-{
-    struct Property
-    {
-        LV2_URID key, type;
-        const std::string& value;
-    };
-
-    const auto* state = static_cast<const LV2_State_Interface*> (
-        lilv_instance_get_extension_data (impl->instance.get(), LV2_STATE__interface));
-
-    if (state == nullptr)
-        return false;
-
-    const auto retrieve = [] (LV2_State_Handle handle, std::uint32_t key, std::size_t* size,
-                              std::uint32_t* type, std::uint32_t* flags) -> const void*
-    {
-        const auto& property = *static_cast<const Property*> (handle);
-
-        if (key != property.key)
-            return nullptr;
-
-        *size = property.value.size() + 1;
-        *type = property.type;
-        *flags = LV2_STATE_IS_POD | LV2_STATE_IS_PORTABLE;
-        return property.value.c_str();
-    };
-
-    Property property { impl->symbols[uri], impl->forge.String, value };
-    return state->restore (lilv_instance_get_handle (impl->instance.get()), retrieve, &property, 0,
-                           impl->featureList.data()) == LV2_STATE_SUCCESS;
 }

@@ -1,55 +1,35 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
-#include "lv2_bundle.h"
-
 #include <cstdint>
-#include <map>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 
-/** What a time:Position object tells; what is empty is left out of it. */
-struct Lv2Position
-{
-    std::int64_t frame = 0;
-    bool isRolling = false;
-    std::optional<float> beatsPerMinute;
-    std::optional<double> beat;
-};
-
-/** A running plug-in: 2 audio ports in, 2 out, atom sequences in and out. */
+/** A running plug-in, hosted by lilv as in most hosts of Linux: 2 audio ports in, 2 out, atom sequences in and
+    out, all of them found by their symbols. What fails throws std::runtime_error. */
 class Lv2Instance
 {
 public:
-    /** Throws std::runtime_error if the plug-in refuses. The bundle must outlive this. */
-    Lv2Instance (const Lv2Bundle& bundle, double sampleRate, std::int32_t maxBlock);
+    /** folder is the .lv2 folder of a bundle with one plug-in. */
+    Lv2Instance (const std::string& folder, double sampleRate, std::int32_t maxBlock);
     ~Lv2Instance();
 
     /** These go into the next run, in the order of the calls. */
     void sendParameter (const std::string& uri, float value);
-    void sendPosition (const Lv2Position& position);
     void sendMidi (std::int64_t frame, std::span<const std::uint8_t> bytes);
 
-    /** What the port "enabled" says from the next run on; true at first. */
-    void setEnabled (bool enabled);
+    /** beat counts quarter notes. A tempo of 0 and a negative beat are left out. */
+    void sendPosition (std::int64_t frame, bool isRolling, float tempo, double beat);
 
-    void run (const float* inLeft, const float* inRight, float* outLeft, float* outRight,
-              std::uint32_t numSamples);
+    /** Processes in place. The number of MIDI events that the plug-in sent. */
+    int run (float* left, float* right, std::uint32_t numSamples);
 
-    /** Parameter values that the plug-in sent in the last run, by URI. */
-    std::map<std::string, float> getSentParameters() const;
-
-    /** What the last run sent besides parameter values. */
-    int getNumOtherEvents() const;
-
-    /** The state as a host's session file keeps it (Turtle), and back. False if the plug-in refuses. */
+    /** The state as a host's session file keeps it (Turtle), and back. */
     std::string saveState() const;
-    bool restoreState (const std::string& turtle);
+    void restoreState (const std::string& turtle);
 
-    /** Hands the plug-in a single string property. */
-    bool restoreProperty (const std::string& uri, const std::string& value);
+    float enabled = 1.0f;  ///< the port of that name
 
 private:
     struct Impl;

@@ -1,204 +1,122 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "session.h"
 
-#include "session_player.h"
-
-#include <juce_audio_formats/juce_audio_formats.h>
+#include "engine/engine_globals.h"
 
 #include <algorithm>
-#include <array>
+#include <bit>
 #include <cmath>
-#include <cstddef>
+#include <gtest/gtest.h>
 #include <iterator>
-#include <memory>
-#include <numbers>
-#include <numeric>
-#include <utility>
 
 namespace
 {
 
-/** Plucked notes, low on the left and high on the right, over a little noise. */
+/** Bursts of noise that fade, at other places on the left than on the right. */
 juce::AudioBuffer<float> synthesise (double sampleRate, juce::Random& random)
 {
-    const int length = static_cast<int> (3.0 * sampleRate);
-    const int noteLength = static_cast<int> (0.19 * sampleRate);
-    juce::AudioBuffer<float> sound (2, length);
+    juce::AudioBuffer<float> sound (2, static_cast<int> (3.0 * sampleRate));
 
     for (int channel = 0; channel < 2; ++channel)
-    {
-        double frequency = 0.0;
-
-        for (int n = 0; n < length; ++n)
+        for (int n = 0; n < sound.getNumSamples(); ++n)
         {
-            const int age = n % noteLength;
-
-            if (age == 0)
-                frequency = 110.0 * (1 + 3 * channel) * (1.0 + random.nextInt (12) / 8.0);
-
-            const double seconds = age / sampleRate;
-            const double pluck =
-                std::exp (-9.0 * seconds) * std::sin (2.0 * std::numbers::pi * frequency * seconds);
-            const double noise = 0.05 * (2.0 * random.nextDouble() - 1.0);
-            sound.setSample (channel, n, static_cast<float> (0.6 * pluck + noise));
+            const int age = (n + 4000 * channel) % 9000;
+            const float level = 0.05f + 0.6f * std::exp (-0.0003f * static_cast<float> (age));
+            sound.setSample (channel, n, level * (2.0f * random.nextFloat() - 1.0f));
         }
-    }
 
     return sound;
-}
-
-/** Through a file and back, as 24-bit PCM. */
-juce::AudioBuffer<float> throughFile (const juce::AudioBuffer<float>& sound, double sampleRate)
-{
-    const auto file =
-        juce::File::getSpecialLocation (juce::File::userHomeDirectory).getChildFile ("take.wav");
-    file.deleteFile();
-    juce::WavAudioFormat wav;
-
-    {
-        auto stream = std::make_unique<juce::FileOutputStream> (file);
-        const std::unique_ptr<juce::AudioFormatWriter> writer (
-            wav.createWriterFor (stream.get(), sampleRate, 2, 24, {}, 0));
-
-        if (writer == nullptr)
-            return {};
-
-        static_cast<void> (stream.release());  // the writer's now
-        writer->writeFromAudioSampleBuffer (sound, 0, sound.getNumSamples());
-    }
-
-    const std::unique_ptr<juce::AudioFormatReader> reader (
-        wav.createReaderFor (file.createInputStream().release(), true));
-
-    if (reader == nullptr || ! juce::approximatelyEqual (reader->sampleRate, sampleRate))
-        return {};
-
-    juce::AudioBuffer<float> result (2, static_cast<int> (reader->lengthInSamples));
-    reader->read (&result, 0, result.getNumSamples(), 0, true, true);
-    return result;
 }
 
 /** Makes one block after the other. */
 class SessionWriter
 {
 public:
-    explicit SessionWriter (juce::Random& r) : random (r)
-    {
-        std::iota (order.begin(), order.end(), 0);
+    SessionWriter (juce::Random& r, double rate) : random (r), sampleRate (rate) {}
 
-        for (int i = kNumParameters - 1; i > 0; --i)
-            std::swap (order[static_cast<std::size_t> (i)],
-                       order[static_cast<std::size_t> (random.nextInt (i + 1))]);
-    }
-
-    SessionBlock next (int numSamples, std::int64_t time, double sampleRate)
+    SessionBlock next (int numSamples, std::int64_t time)
     {
         SessionBlock block;
         block.numSamples = numSamples;
-        block.time = time;
-        addChanges (block);
-        addMidi (block);
-        addTransport (block, sampleRate);
+
+        // What silences everything, or freezes it, lasts one block: the comparison needs sound.
+        for (const auto id : { Kill, Delay1Loop, Delay2Loop })
+            block.changes.push_back ({ id, 0.0f });
+
+        for (int i = random.nextInt (4); --i >= 0;)
+            block.changes.push_back (
+                { static_cast<NumericalParamID> (nextParameter++ % kNumParameters),
+                  random.nextFloat() });
+
+        for (int i = random.nextInt (3); --i >= 0;)
+            block.midi.addEvent (anyMessage(), random.nextInt (std::max (1, numSamples)));
+
+        tellTransport (block, time);
         return block;
     }
 
 private:
-    void addChanges (SessionBlock& block)
+    juce::MidiMessage anyMessage()
     {
-        // What silences everything, or freezes it, lasts one block: the comparison needs sound.
-        for (const auto id : { Kill, Delay1Loop, Delay2Loop })
-            if (std::exchange (isOn[id], false))
-                block.changes.push_back ({ id, 0.0f });
-
-        for (int i = random.nextInt (4); --i >= 0;)
-        {
-            const auto id = static_cast<NumericalParamID> (order[nextParameter]);
-            nextParameter = (nextParameter + 1) % order.size();
-            const float value = random.nextFloat();
-            block.changes.push_back ({ id, value });
-            isOn[id] = value > 0.5f;
-        }
+        const int channel = 1 + random.nextInt (16), data = random.nextInt (128);
+        const juce::MidiMessage kinds[] = { juce::MidiMessage::noteOn (channel, data, 0.7f),
+                                            juce::MidiMessage::noteOff (channel, data),
+                                            juce::MidiMessage::controllerEvent (channel, 1, data),
+                                            juce::MidiMessage::pitchWheel (channel, data << 7) };
+        return kinds[random.nextInt (4)];
     }
 
-    void addMidi (SessionBlock& block)
+    void tellTransport (SessionBlock& block, std::int64_t time)
     {
-        for (int i = random.nextInt (3); --i >= 0;)
+        if (time == 0 || random.nextInt (20) == 0)
         {
-            const int channel = 1 + random.nextInt (16);
-            const int data = random.nextInt (128);
-            const int place = random.nextInt (std::max (1, block.numSamples));
-
-            switch (random.nextInt (5))
-            {
-            case 0:
-            case 1:
-                block.midi.addEvent (juce::MidiMessage::noteOn (channel, data, juce::uint8 { 90 }),
-                                     place);
-                break;
-            case 2:
-                block.midi.addEvent (juce::MidiMessage::noteOff (channel, data), place);
-                break;
-            case 3:
-                block.midi.addEvent (juce::MidiMessage::controllerEvent (channel, 1, data), place);
-                break;
-            default:
-                block.midi.addEvent (juce::MidiMessage::pitchWheel (channel, data << 7), place);
-                break;
-            }
-        }
-    }
-
-    void addTransport (SessionBlock& block, double sampleRate)
-    {
-        if (--blocksToStay < 0)
-        {
-            blocksToStay = random.nextInt (40);
             isPlaying = random.nextBool();
             tellsTempo = random.nextInt (4) > 0;
             tellsPosition = random.nextInt (4) > 0;
             tempo = 60.0 + 0.5 * random.nextInt (240);
         }
 
-        block.isPlaying = isPlaying;
+        block.transport.setTimeInSamples (time);
+        block.transport.setIsPlaying (isPlaying);
 
         if (tellsTempo)
-            block.tempo = tempo;
+            block.transport.setBpm (tempo);
 
         if (tellsPosition)
-            block.position = quarterNotes;
+            block.transport.setPpqPosition (quarterNotes);
 
         if (isPlaying)
             quarterNotes += block.numSamples / sampleRate * tempo / 60.0;
     }
 
     juce::Random& random;
-    std::array<int, kNumParameters> order;  ///< every parameter gets its turn
-    std::size_t nextParameter = 0;
-    std::array<bool, kNumParameters> isOn {};
-    int blocksToStay = 0;
-    bool isPlaying = false, tellsTempo = true, tellsPosition = true;
-    double tempo = 120.0, quarterNotes = 0.0;
+    double sampleRate;
+    int nextParameter = 0;  ///< every one gets its turn
+    bool isPlaying = false, tellsTempo = false, tellsPosition = false;
+    double tempo = 0.0, quarterNotes = 0.0;
 };
+
+VelkorAudioProcessor afterWorkAt44100()
+{
+    setAudioSamplingRate (44100.0);
+    return VelkorAudioProcessor();
+}
 
 }  // namespace
 
 Session makeSession (double sampleRate, std::int64_t seed)
 {
-    constexpr int kSizes[] = { 0, 1, 3, 4, 32, 61, 64, 127, 128, 441, 512, 1021, 1024 };
+    constexpr int kSizes[] = { 0, 1, 3, 4, 32, 61, 64, 127, 441, 512, 1021, Session::kMaxBlock };
 
     juce::Random random (seed);
-    Session session;
-    session.sampleRate = sampleRate;
-    session.maxBlock = 1024;
-    session.state = makeState (seed);
-    session.input = throughFile (synthesise (sampleRate, random), sampleRate);
-    SessionWriter writer (random);
+    Session session { sampleRate, makeState (seed), synthesise (sampleRate, random), {} };
+    SessionWriter writer (random, sampleRate);
 
     for (int start = 0; start < session.input.getNumSamples();)
     {
         const int size = std::min (kSizes[random.nextInt (static_cast<int> (std::size (kSizes)))],
                                    session.input.getNumSamples() - start);
-        session.blocks.push_back (writer.next (size, start, sampleRate));
+        session.blocks.push_back (writer.next (size, start));
         start += size;
     }
 
@@ -216,4 +134,130 @@ Session withoutEvents (Session session)
     }
 
     return session;
+}
+
+juce::MemoryBlock makeState (std::int64_t seed)
+{
+    juce::Random random (seed);
+    DirectPlayer player;
+
+    for (int number = 0; number < kNumParameters; ++number)
+        player.set (static_cast<NumericalParamID> (number), random.nextFloat());
+
+    for (const auto id : { Kill, Delay1Loop, Delay2Loop })
+        player.set (id, 0.0f);
+
+    for (const auto id : { InputLevel, WetLevel, DryLevel, Output1Level, Output2Level })
+        player.set (id, 0.8f);
+
+    constexpr int kSources[kNumSignalDests] = {
+        sourceInputL, sourceInputR,  sourceDelay1,  sourceDelay2,      sourceDelay1,
+        sourceDelay2, sourceFilter1, sourceFilter2, sourceSaturation1, sourceSaturation2,
+    };
+
+    for (int dest = 0; dest < kNumSignalDests; ++dest)
+        player.processor.setSignalConnection (kSources[dest], dest, true);
+
+    for (int dest = 0; dest < kNumModDests; ++dest)
+        for (const int source : { dest, dest + 3 })
+            player.processor.setModConnection (source % kNumModSources, dest, true);
+
+    return getState (player.processor);
+}
+
+juce::AudioBuffer<float> SessionPlayer::play (const Session& session)
+{
+    auto output = session.input;
+    int start = 0;
+
+    if (! session.state.isEmpty())
+        load (session.state);
+
+    for (const auto& block : session.blocks)
+    {
+        for (const auto& [id, value] : block.changes)
+            set (id, value);
+
+        float* const channels[] = { output.getWritePointer (0, start),
+                                    output.getWritePointer (1, start) };
+        juce::AudioBuffer<float> samples (channels, 2, block.numSamples);
+        transport = block.transport;
+        process (samples, block);
+        start += block.numSamples;
+    }
+
+    return output;
+}
+
+DirectPlayer::DirectPlayer() : processor (afterWorkAt44100())
+{
+    processor.setPlayHead (this);
+}
+
+DirectPlayer::DirectPlayer (double sampleRate) : DirectPlayer()
+{
+    processor.prepareToPlay (sampleRate, Session::kMaxBlock);
+}
+
+juce::RangedAudioParameter& DirectPlayer::parameter (NumericalParamID id) const
+{
+    return *processor.parameterTree.getParameter (paramMapper[id].name);
+}
+
+void DirectPlayer::load (const juce::MemoryBlock& chunk)
+{
+    setState (processor, chunk);
+}
+
+void DirectPlayer::set (NumericalParamID id, float value)
+{
+    parameter (id).setValueNotifyingHost (value);
+}
+
+void DirectPlayer::process (juce::AudioBuffer<float>& samples, const SessionBlock& block)
+{
+    juce::MidiBuffer midi = block.midi;
+    processor.processBlock (samples, midi);
+}
+
+juce::MemoryBlock getState (juce::AudioProcessor& processor)
+{
+    juce::MemoryBlock state;
+    processor.getStateInformation (state);
+    return state;
+}
+
+void setState (juce::AudioProcessor& processor, const juce::MemoryBlock& state)
+{
+    processor.setStateInformation (state.getData(), static_cast<int> (state.getSize()));
+}
+
+void expectSameSamples (const juce::AudioBuffer<float>& got, const juce::AudioBuffer<float>& want)
+{
+    ASSERT_EQ (got.getNumSamples(), want.getNumSamples());
+
+    const auto bits = [] (float sample) { return std::bit_cast<std::uint32_t> (sample); };
+
+    for (int channel = 0; channel < 2; ++channel)
+        for (int n = 0; n < want.getNumSamples(); ++n)
+            ASSERT_EQ (bits (got.getSample (channel, n)), bits (want.getSample (channel, n)))
+                << "channel " << channel << " differs from sample " << n << ": "
+                << got.getSample (channel, n) << ", the processor alone gives "
+                << want.getSample (channel, n);
+}
+
+void expectWorthComparing (const juce::AudioBuffer<float>& output, const Session& session)
+{
+    const int numSamples = output.getNumSamples();
+    EXPECT_GT (numSamples, 2 * session.sampleRate);
+
+    for (int channel = 0; channel < 2; ++channel)
+    {
+        const auto* samples = output.getReadPointer (channel);
+        EXPECT_TRUE (std::all_of (samples, samples + numSamples,
+                                  [] (float sample) { return std::isfinite (sample); }));
+        EXPECT_FALSE (
+            std::equal (samples, samples + numSamples, session.input.getReadPointer (channel)));
+        EXPECT_GT (output.getRMSLevel (channel, 0, numSamples), 0.01f) << "channel " << channel;
+    }
 }

@@ -86,7 +86,11 @@ for file in "$vst3" "$lv2" bin/velkor bin/velkor-render; do
     ! grep -q -F -e "$source" -e "$build" "$file" || fault "$file holds a path of the build"
 done
 
-# --- one version, one summary -----------------------------------------------------------------------
+# --- one class, one version -------------------------------------------------------------------------
+
+# Hosts find the plug-in of a session again by this.
+grep -q -F '"CID": "ABCDEF019182FAEB5A627277566C6B72"' lib/vst3/Velkor.vst3/Contents/Resources/moduleinfo.json ||
+    fault "the VST3 bundle is of another class"
 
 HOME=$work/home bin/velkor-render --version | grep -q -F "$version" || fault "velkor-render is not of version $version"
 grep -q -F "doap:revision \"$version\"" lib/lv2/Velkor.lv2/dsp.ttl || fault "the LV2 bundle is not of version $version"

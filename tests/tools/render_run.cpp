@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "render_run.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <numbers>
+#include <set>
 #include <sys/wait.h>
 #include <tuple>
 
@@ -97,6 +99,7 @@ void RenderTest::write (const std::string& name, const juce::AudioBuffer<float>&
                         double rate, int bits) const
 {
     const auto format = formatOf (file (name).getFileExtension());
+    file (name).deleteFile();
     auto stream = file (name).createOutputStream();
     ASSERT_NE (stream, nullptr);
     const std::unique_ptr<juce::AudioFormatWriter> writer (format->createWriterFor (
@@ -111,21 +114,17 @@ void RenderTest::write (const std::string& name, const juce::AudioBuffer<float>&
     }
 
     // The writer's own conversion of floats may come out one step below what a value stands for.
-    std::vector<std::vector<int>> integers;
+    std::vector<std::vector<int>> steps (static_cast<std::size_t> (samples.getNumChannels()));
     std::vector<const int*> channels;
 
-    for (int channel = 0; channel < samples.getNumChannels(); ++channel)
+    for (int channel = 0; auto& ofChannel : steps)
     {
-        auto& steps = integers.emplace_back();
-
         for (int i = 0; i < samples.getNumSamples(); ++i)
-            steps.push_back (static_cast<int> (samples.getSample (channel, i) * 2147483648.0));
+            ofChannel.push_back (static_cast<int> (samples.getSample (channel, i) * 2147483648.0));
+
+        channels.push_back (ofChannel.data());
+        ++channel;
     }
-
-    channels.reserve (integers.size() + 1);
-
-    for (const auto& steps : integers)
-        channels.push_back (steps.data());
 
     channels.push_back (nullptr);
     ASSERT_TRUE (writer->write (channels.data(), samples.getNumSamples()));
@@ -207,4 +206,37 @@ Words oneDelay()
     return emptyPatch() +
            Words { "--connect", "Input L > Delay 1",        "--connect", "Delay 1 > Output 1",
                    "--set",     "Delay 1 Feedback=-INF dB", "--set",     "Delay 1 Multiplier=x1" };
+}
+
+void expectSamePatch (const juce::File& got, const juce::File& want)
+{
+    const auto made = juce::parseXML (got), kept = juce::parseXML (want);
+    ASSERT_TRUE (made != nullptr && kept != nullptr) << want.getFullPathName();
+
+    const auto cables = [] (const juce::XmlElement& document, const char* matrix)
+    {
+        std::multiset<juce::String> texts;  // the bank's files have them in orders of their own
+
+        for (const auto* cable : document.getChildByName (matrix)->getChildIterator())
+            texts.insert (cable->toString());
+
+        return texts;
+    };
+
+    for (const auto* matrix : { "SignalMatrix", "ModMatrix" })
+        EXPECT_EQ (cables (*made, matrix), cables (*kept, matrix));
+
+    const auto* const values = made->getChildByName ("Parameters");
+    EXPECT_EQ (values->getNumChildElements(), 57);
+
+    for (const auto* param : kept->getChildByName ("Parameters")->getChildIterator())
+    {
+        const auto id = param->getStringAttribute ("id");
+        const auto value = param->getDoubleAttribute ("value");
+        const auto* const same = values->getChildByAttribute ("id", id);
+        ASSERT_NE (same, nullptr) << id;
+        EXPECT_NEAR (same->getDoubleAttribute ("value"), value,
+                     1e-6 * std::max (1.0, std::abs (value)))
+            << id;
+    }
 }

@@ -79,3 +79,6 @@ Words emptyPatch();
 
 /** Input L through Delay 1, without feedback and multiplier, to the left side; nothing else. */
 Words oneDelay();
+
+/** That a preset file holds the 57 values, cables and routes of another; the name may differ. */
+void expectSamePatch (const juce::File& got, const juce::File& want);

@@ -30,12 +30,7 @@ protected:
 
     void expectRefusal (const Refusal& refusal, const std::string& setUp = {}) const
     {
-        std::string shown;
-
-        for (const auto& word : refusal.arguments)
-            shown += word + " | ";
-
-        SCOPED_TRACE (shown);
+        SCOPED_TRACE (testing::PrintToString (refusal.arguments));
         const auto before = content();
         const auto result = run (refusal.arguments, setUp);
         EXPECT_EQ (result.exitCode, refusal.exitCode);
@@ -43,14 +38,16 @@ protected:
         EXPECT_TRUE (result.err.starts_with ("velkor-render: ")) << result.err;
         EXPECT_NE (result.err.find (refusal.culprit), std::string::npos) << result.err;
         EXPECT_EQ (std::count (result.err.begin(), result.err.end(), '\n'), 1) << result.err;
-        EXPECT_TRUE (result.err.ends_with ('\n'));
         EXPECT_EQ (content(), before);
         EXPECT_EQ (temporaries.getNumberOfChildFiles (juce::File::findFilesAndDirectories), 0);
     }
 };
 
-TEST_F (RenderRefusal, FilesThatCannotBeUsed)
+TEST_F (RenderRefusal, FilesThatCannotBeUsedOrMeant)
 {
+    write ("in.aiff", impulses (10, 0, 0.5f, 0.5f), 44100.0, 24);
+    ASSERT_TRUE (file ("in.wav").createSymbolicLink (file ("link.wav"), false));
+    ASSERT_TRUE (file ("there").createDirectory().wasOk());
     write ("six.wav", juce::AudioBuffer<float> (6, 100));
     juce::MemoryBlock whole;
     file ("in.wav").loadFileAsData (whole);
@@ -61,12 +58,25 @@ TEST_F (RenderRefusal, FilesThatCannotBeUsed)
              Refusal { { "text.wav", "o.wav" }, 1, "text.wav" },
              Refusal { { "short.wav", "o.wav" }, 1, "short.wav" },
              Refusal { { "six.wav", "o.wav" }, 1, "six.wav" },
-             Refusal { { ".", "o.wav" }, 1, "." },
              Refusal { { "new\nline.wav", "o.wav" }, 1, "new line.wav" },
-             Refusal { { "--midi", "gone.mid", "in.wav", "o.wav" }, 1, "gone.mid" },
              Refusal { { "--midi", "text.mid", "in.wav", "o.wav" }, 1, "text.mid" },
              Refusal { { "in.wav", "text.wav/o.wav" }, 1, "text.wav/o.wav" },
+             Refusal { { "--save-preset", "text.wav/p.zbpreset" }, 1, "text.wav/p.zbpreset" },
+             Refusal { { "--save-preset", "in.wav", "o.wav" }, 2, "in.wav" },
+             Refusal { { "--save-preset", "" }, 2, "--save-preset" },
+             Refusal { { "--save-preset", "p.zbpreset", "in.wav" }, 2, "OUTPUT" },
+             Refusal { { "--save-preset", "p.zbpreset", "gone.wav", "o.wav" }, 1, "gone.wav" },
              Refusal { { "in.wav", "text.wav", "folder/" }, 1, "text.wav" },
+             Refusal { {}, 2, "INPUT" },
+             Refusal { { "in.wav" }, 2, "OUTPUT" },
+             Refusal { { "--demo", "in.wav", "o.wav" }, 2, "in.wav" },
+             Refusal { { "in.wav", "o.mp3" }, 2, "o.mp3" },
+             Refusal { { "link.wav", "./in.wav" }, 2, "in.wav" },
+             Refusal { { "in.wav", "in.aiff", "o.wav" }, 2, "o.wav" },
+             Refusal { { "in.wav", "in.aiff", "there" }, 2, "there/in.wav" },
+             Refusal { { "--format", "flac", "in.wav", "o.wav" }, 2, "o.wav" },
+             Refusal { { "--bits", "32", "in.wav", "o.flac" }, 2, "o.flac" },
+             Refusal { { "--bits", "20", "in.wav", "o.wav" }, 2, "20" },
          })
         expectRefusal (refusal);
 }
@@ -75,79 +85,22 @@ TEST_F (RenderRefusal, PresetsThatCannotBeUsed)
 {
     const juce::String document = "<VelkorSettings PresetName=\"x\"><Parameters/></VelkorSettings>";
     file ("cut.zbpreset").replaceWithText (document.dropLastCharacters (4));
-    file ("empty.zbpreset").create();
     file ("bare.zbpreset").replaceWithText ("<VelkorSettings PresetName=\"x\"/>");
     file ("entity.zbpreset")
         .replaceWithText ("<!DOCTYPE VelkorSettings [<!ENTITY a \"x&a;\">]>" +
                           document.replace ("\"x\"", "\"&a;\""));
-    file ("deep.zbpreset")
-        .replaceWithText (juce::String::repeatedString ("<VelkorSettings>", 20000));
-    file ("huge.zbpreset").replaceWithText (document + juce::String::repeatedString (" ", 5 << 20));
     file ("folder.zbpreset").createDirectory();
     ASSERT_EQ (
         std::system (("mkfifo '" + file ("pipe.zbpreset").getFullPathName() + "'").toRawUTF8()), 0);
 
     for (const auto* preset :
          { "gone.zbpreset", "gone/11.zbpreset", "text.wav", "other.xml", "cut.zbpreset",
-           "empty.zbpreset", "bare.zbpreset", "entity.zbpreset", "deep.zbpreset", "huge.zbpreset",
-           "folder.zbpreset", "pipe.zbpreset", "Tape Dely", "64", "11 - Basic Sync", "Default" })
-    {
+           "bare.zbpreset", "entity.zbpreset", "folder.zbpreset", "pipe.zbpreset", "Tape Dely",
+           "64", "11 - Basic Sync", "Default" })
         expectRefusal ({ { "--preset", preset, "in.wav", "o.wav" }, 1, preset });
-        expectRefusal ({ { "--preset", preset, "--save-preset", "o.zbpreset" }, 1, preset });
-    }
 
-    expectRefusal ({ { "--preset", "", "in.wav", "o.wav" }, 1, "\"\"" });
-    expectRefusal ({ { "--preset", "Tape Dely", "in.wav", "o.wav" }, 1, "--list-presets" });
-}
-
-TEST_F (RenderRefusal, PresetsThatCannotBeSaved)
-{
-    file ("folder.zbpreset").createDirectory();
-
-    for (const auto& refusal : {
-             Refusal { { "--save-preset", "folder.zbpreset" }, 1, "folder.zbpreset" },
-             Refusal { { "--save-preset", "text.wav/p.zbpreset" }, 1, "text.wav/p.zbpreset" },
-             Refusal { { "--save-preset", "in.wav", "o.wav" }, 2, "in.wav" },
-             Refusal { { "--save-preset", "p" }, 2, "\"p\"" },
-             Refusal { { "--save-preset", "" }, 2, "--save-preset" },
-             Refusal { { "--save-preset", "p.zbpreset", "in.wav" }, 2, "OUTPUT" },
-             Refusal { { "--save-preset", "p.zbpreset", "--demo" }, 2, "OUTPUT" },
-             Refusal { { "--save-preset", "p.zbpreset", "in.wav", "o.mp3" }, 2, "o.mp3" },
-             Refusal { { "--save-preset", "p.zbpreset", "gone.wav", "o.wav" }, 1, "gone.wav" },
-             Refusal { { "--save-preset", "p.zbpreset", "--set", "Kill=maybe" }, 2, "maybe" },
-             Refusal { { "--save-preset", "p.zbpreset", "--parameters" }, 2, "--save-preset" },
-             Refusal { { "--save-preset", "p.zbpreset", "--list-presets" }, 2, "--save-preset" },
-             Refusal { { "--list-presets", "--parameters" }, 2, "--parameters" },
-             Refusal { { "--list-presets", "in.wav" }, 2, "in.wav" },
-             Refusal { { "--list-presets", "--demo" }, 2, "--demo" },
-         })
-        expectRefusal (refusal);
-}
-
-TEST_F (RenderRefusal, OutputsThatCannotBeMeant)
-{
-    write ("in.aiff", impulses (10, 0, 0.5f, 0.5f), 44100.0, 24);
-    ASSERT_TRUE (file ("in.wav").createSymbolicLink (file ("link.wav"), false));
-    ASSERT_TRUE (file ("there").createDirectory().wasOk());
-
-    for (const auto& refusal : {
-             Refusal { {}, 2, "INPUT" },
-             Refusal { { "in.wav" }, 2, "OUTPUT" },
-             Refusal { { "--demo" }, 2, "OUTPUT" },
-             Refusal { { "--demo", "in.wav", "o.wav" }, 2, "in.wav" },
-             Refusal { { "--parameters", "in.wav" }, 2, "in.wav" },
-             Refusal { { "in.wav", "o.mp3" }, 2, "o.mp3" },
-             Refusal { { "in.wav", "o" }, 2, "\"o\"" },
-             Refusal { { "in.wav", "in.wav" }, 2, "in.wav" },
-             Refusal { { "link.wav", "./in.wav" }, 2, "in.wav" },
-             Refusal { { "in.wav", "in.aiff", "o.wav" }, 2, "o.wav" },
-             Refusal { { "in.wav", "in.aiff", "there" }, 2, "there/in.wav" },
-             Refusal { { "--format", "mp3", "in.wav", "there" }, 2, "mp3" },
-             Refusal { { "--format", "flac", "in.wav", "o.wav" }, 2, "o.wav" },
-             Refusal { { "--bits", "32", "in.wav", "o.flac" }, 2, "o.flac" },
-             Refusal { { "--bits", "20", "in.wav", "o.wav" }, 2, "20" },
-         })
-        expectRefusal (refusal);
+    expectRefusal (
+        { { "--preset", "Tape Dely", "--save-preset", "o.zbpreset" }, 1, "--list-presets" });
 }
 
 TEST_F (RenderRefusal, WordsThatMeanNothing)
@@ -155,34 +108,17 @@ TEST_F (RenderRefusal, WordsThatMeanNothing)
     const std::vector<std::pair<Words, const char*>> options = {
         { { "--nonsense" }, "--nonsense" },
         { { "--set", "Dealy 1 Time=5" }, "Dealy 1 Time" },
-        { { "--set", "Delay 1 Time" }, "Delay 1 Time" },
-        { { "--set", "Delay 1 Time=" }, "Delay 1 Time" },
-        { { "--set", "Delay 1 Time=abc" }, "abc" },
         { { "--set", "Delay 1 Time=1001" }, "1001" },
         { { "--set", "Delay 1 Time=5 kHz" }, "5 kHz" },
         { { "--set", "Delay 1 Time=1/8D" }, "Delay 1 Sync" },
         { { "--set", "Delay 1 Multiplier=x3" }, "x3" },
-        { { "--set", "Delay 1 Multiplier=4" }, "4" },
-        { { "--set", "Delay 1 Multiplier=0.5" }, "0.5" },
         { { "--set", "Dry Level=+4 dB" }, "+4 dB" },
         { { "--set", "Filter 1 Freq=nan" }, "nan" },
-        { { "--set", "LFO 1 Skew=50" }, "50" },
-        { { "--set", "Kill=maybe" }, "maybe" },
         { { "--connect", "Delay 3 > Filter 1" }, "Delay 3" },
-        { { "--connect", "Delay 1 > Input L" }, "Input L" },
-        { { "--connect", "Delay 1" }, "Delay 1" },
         { { "--disconnect", "everything" }, "everything" },
-        { { "--route", "LFO 3 > Pan 1" }, "LFO 3" },
         { { "--unroute", "LFO 1 > Output 1" }, "Output 1" },
-        { { "--tempo", "fast" }, "fast" },
-        { { "--tempo", "-5" }, "-5" },
-        { { "--tempo", "" }, "--tempo" },
-        { { "--block", "0" }, "--block" },
         { { "--block", "16385" }, "16385" },
-        { { "--block", "1.5" }, "1.5" },
-        { { "--rate", "44.1kHz" }, "44.1kHz" },
         { { "--rate", "100" }, "100" },
-        { { "--tail", "long" }, "long" },
         { { "--tail", "-1" }, "-1" },
     };
 

@@ -5,39 +5,34 @@
 
 #include <utility>
 
-// Time in velkor-render: delays, tempo, MIDI, blocks and tails.
+// Time in velkor-render: delays, tempo, MIDI and tails.
 
 class RenderTime : public RenderTest
 {
-protected:
-    /** Expects an impulse at frame 1000 to come out of a delay this many frames later, as two halves. */
-    void expectDelay (const Words& options, int frames) const
+};
+
+TEST_F (RenderTime, ADelayMovesAnImpulseByItsTimeOrBeatLength)
+{
+    const std::pair<Words, int> cases[] = {
+        { { "--set", "delay 1 time = 0.1 S" }, 4800 },
+        { { "--set", "Delay 1 Time=250", "--set", "Delay 1 Multiplier=x4" }, 48000 },
+        { { "--tempo", "90", "--set", "Delay 1 Time=1/8D", "--set", "Delay 1 Sync=on" }, 24000 },
+        { { "--tempo", "120", "--set", "Delay 1 Sync=1", "--set", "Delay 1 Time=1/16t" }, 4000 },
+    };
+    write ("in.wav", impulses (2000, 1000, 0.5f, 0.0f), 48000.0);
+
+    for (const auto& [options, frames] : cases)
     {
-        write ("in.wav", impulses (2000, 1000, 0.5f, 0.0f), 48000.0);
+        SCOPED_TRACE (testing::PrintToString (options));
         render (oneDelay() + options + Words { "in.wav", "o.wav" });
         const auto sound = read ("o.wav");
         const auto at = sound.framesAbove (0.01f, 0);
-        ASSERT_EQ (at.size(), 2u);
+        ASSERT_EQ (at.size(), 2u);                       // as two halves
         EXPECT_NEAR (at.front(), 1000 + frames - 1, 1);  // the float range may cost a frame
         EXPECT_EQ (at.back(), at.front() + 1);
         EXPECT_NEAR (sound.at (0, at.front()), 0.25f, 2e-3f);
         EXPECT_TRUE (sound.framesAbove (1e-6f, 1).empty()) << "the pan is hard left";
     }
-};
-
-TEST_F (RenderTime, ADelayMovesAnImpulseByItsTime)
-{
-    expectDelay ({ "--set", "Delay 1 Time=100 ms" }, 4800);
-    expectDelay ({ "--set", "delay 1 time = 0.1 S" }, 4800);
-    expectDelay ({ "--set", "Delay 1 Time=250", "--set", "Delay 1 Multiplier=x4" }, 48000);
-}
-
-TEST_F (RenderTime, ABeatLengthFollowsTheTempoWhereverTheSyncIsSet)
-{
-    expectDelay ({ "--tempo", "90", "--set", "Delay 1 Time=1/8D", "--set", "Delay 1 Sync=on" },
-                 24000);
-    expectDelay ({ "--tempo", "120", "--set", "Delay 1 Sync=1", "--set", "Delay 1 Time=1/16t" },
-                 4000);
 }
 
 TEST_F (RenderTime, MidiPlaysAtTheGivenTempo)
@@ -70,20 +65,6 @@ TEST_F (RenderTime, MidiPlaysAtTheGivenTempo)
         EXPECT_NEAR (open.front(), beat, 64 + 20)
             << tempo;  // within its block, and the sine starts at 0
         EXPECT_NEAR (open.back(), 2 * beat, 64 + 192) << tempo;  // 4 ms of ramp
-    }
-}
-
-TEST_F (RenderTime, BlockSizeMakesNoDifferenceToASoundThatHolds)
-{
-    const auto patch =
-        Words { "--connect", "Delay 1 > Filter 1", "--connect", "Filter 1 > Output 2",
-                "--set",     "Delay 1 Time=77",    "--set",     "Delay 1 Feedback=-6 dB" };
-    render (patch + Words { "--demo", "--block", "64", "a.wav" });
-
-    for (const auto* block : { "512", "16384" })
-    {
-        render (patch + Words { "--demo", "--block", block, "b.wav" });
-        EXPECT_TRUE (file ("a.wav").hasIdenticalContentTo (file ("b.wav"))) << block;
     }
 }
 
