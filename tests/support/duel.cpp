@@ -50,6 +50,12 @@ void Duel::set (NumericalParamID id, float realValue)
     setParameter (product, id, realValue);
 }
 
+void Duel::set (NumericalParamID first, NumericalParamID second, float realValue)
+{
+    set (first, realValue);
+    set (second, realValue);
+}
+
 void Duel::connect (int source, int destination, bool on)
 {
     product.setSignalConnection (source, destination, on);
@@ -120,6 +126,21 @@ bool Duel::process (std::vector<float>& left, std::vector<float>& right, int cha
     return true;
 }
 
+float Duel::run (Noise& noise, int blocks, int length)
+{
+    float peak = 0.0f;
+
+    for (bool isSame = true; isSame && blocks > 0; --blocks)
+    {
+        auto left = noise.samples (length, 0.5f);
+        auto right = noise.samples (length, 0.5f);
+        isSame = process (left, right);
+        peak = std::ranges::max (left);
+    }
+
+    return peak;
+}
+
 void readValues (const VelkorAudioProcessor& processor, float (&values)[reference::kNumParams])
 {
     for (std::size_t i = 0; i < reference::kNumParams; ++i)
@@ -152,4 +173,11 @@ std::uint32_t Noise::bits() noexcept
     state ^= state >> 17;
     state ^= state << 5;
     return state;
+}
+
+std::vector<float> Noise::samples (int n, float level)
+{
+    std::vector<float> result (static_cast<std::size_t> (n));
+    std::generate (result.begin(), result.end(), [&] { return level * (*this)(); });
+    return result;
 }
