@@ -106,6 +106,7 @@ bool Duel::process (std::vector<float>& left, std::vector<float>& right, int cha
 
     float values[reference::kNumParams];
     readValues (product, values);
+    const juce::ScopedNoDenormals flush;
     const bool transport = playHead.answers;
     engine->process (values, transport ? playHead.tempo : std::nullopt,
                      transport ? playHead.position : std::nullopt, wantLeft.data(),
