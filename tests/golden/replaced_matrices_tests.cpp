@@ -17,7 +17,6 @@ TEST (ReplacedMatrices, SoundAsIfAllHadBeenBrokenAndTheNewOnesMadeOneByOne)
         duel.set (Filter1Mod, 0.7f);
         duel.set (Level1Mod, -0.5f);
         duel.set (EnvSensitivity, 0.8f);
-        std::vector<float> left, right;
 
         for (int round = 0; round < 6; ++round)
         {
@@ -47,15 +46,8 @@ TEST (ReplacedMatrices, SoundAsIfAllHadBeenBrokenAndTheNewOnesMadeOneByOne)
             for (const auto& pair : modulation)
                 duel.engine->route (pair.source, pair.dest, true);
 
-            left.assign (777, 0.0f);
-            right.assign (777, 0.0f);
-
-            for (std::size_t n = 0; n < left.size(); ++n)
-            {
-                left[n] = noise();
-                right[n] = noise();
-            }
-
+            auto left = noise.samples (777, 1.0f);
+            auto right = noise.samples (777, 1.0f);
             ASSERT_TRUE (duel.process (left, right));
         }
     }

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "audio_guard.h"
 
-#include <cstdarg>
 #include <cstddef>
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <pthread.h>
-#include <semaphore.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -44,13 +41,6 @@ private:
     const char* name;
     Function* next;
 };
-
-/** The mode that follows the flags of an open, where one does. */
-mode_t modeBehind (int flags, std::va_list arguments) noexcept
-{
-    const bool creates = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
-    return creates ? va_arg (arguments, mode_t) : 0;
-}
 
 }  // namespace
 
@@ -110,12 +100,6 @@ extern "C"
         __libc_free (block);
     }
 
-    int posix_memalign (void** block, std::size_t alignment, std::size_t size)
-    {
-        static const Watched<int (void**, std::size_t, std::size_t)> call ("posix_memalign");
-        return call (block, alignment, size);
-    }
-
     void* aligned_alloc (std::size_t alignment, std::size_t size)
     {
         static const Watched<void*(std::size_t, std::size_t)> call ("aligned_alloc");
@@ -130,71 +114,13 @@ extern "C"
         return call (mutex);
     }
 
-    int pthread_rwlock_rdlock (pthread_rwlock_t* lock)
-    {
-        static const Watched<int (pthread_rwlock_t*)> call ("pthread_rwlock_rdlock");
-        return call (lock);
-    }
-
-    int pthread_rwlock_wrlock (pthread_rwlock_t* lock)
-    {
-        static const Watched<int (pthread_rwlock_t*)> call ("pthread_rwlock_wrlock");
-        return call (lock);
-    }
-
     int pthread_cond_wait (pthread_cond_t* condition, pthread_mutex_t* mutex)
     {
         static const Watched<int (pthread_cond_t*, pthread_mutex_t*)> call ("pthread_cond_wait");
         return call (condition, mutex);
     }
 
-    int sem_wait (sem_t* semaphore)
-    {
-        static const Watched<int (sem_t*)> call ("sem_wait");
-        return call (semaphore);
-    }
-
     // --- files -----------------------------------------------------------------------------------------
-
-    int open (const char* path, int flags, ...)
-    {
-        static const Watched<int (const char*, int, ...)> call ("open");
-        std::va_list arguments;
-        va_start (arguments, flags);
-        const mode_t mode = modeBehind (flags, arguments);
-        va_end (arguments);
-        return call (path, flags, mode);
-    }
-
-    int open64 (const char* path, int flags, ...)
-    {
-        static const Watched<int (const char*, int, ...)> call ("open64");
-        std::va_list arguments;
-        va_start (arguments, flags);
-        const mode_t mode = modeBehind (flags, arguments);
-        va_end (arguments);
-        return call (path, flags, mode);
-    }
-
-    int openat (int folder, const char* path, int flags, ...)
-    {
-        static const Watched<int (int, const char*, int, ...)> call ("openat");
-        std::va_list arguments;
-        va_start (arguments, flags);
-        const mode_t mode = modeBehind (flags, arguments);
-        va_end (arguments);
-        return call (folder, path, flags, mode);
-    }
-
-    int openat64 (int folder, const char* path, int flags, ...)
-    {
-        static const Watched<int (int, const char*, int, ...)> call ("openat64");
-        std::va_list arguments;
-        va_start (arguments, flags);
-        const mode_t mode = modeBehind (flags, arguments);
-        va_end (arguments);
-        return call (folder, path, flags, mode);
-    }
 
     ssize_t write (int file, const void* data, std::size_t size)
     {
@@ -208,51 +134,15 @@ extern "C"
         return call (file, data, size);
     }
 
-    int stat (const char* path, struct stat* status)
-    {
-        static const Watched<int (const char*, struct stat*)> call ("stat");
-        return call (path, status);
-    }
-
     int stat64 (const char* path, struct stat64* status)
     {
         static const Watched<int (const char*, struct stat64*)> call ("stat64");
         return call (path, status);
     }
 
-    int lstat (const char* path, struct stat* status)
-    {
-        static const Watched<int (const char*, struct stat*)> call ("lstat");
-        return call (path, status);
-    }
-
-    int lstat64 (const char* path, struct stat64* status)
-    {
-        static const Watched<int (const char*, struct stat64*)> call ("lstat64");
-        return call (path, status);
-    }
-
-    int fstatat (int folder, const char* path, struct stat* status, int flags)
-    {
-        static const Watched<int (int, const char*, struct stat*, int)> call ("fstatat");
-        return call (folder, path, status, flags);
-    }
-
-    int fstatat64 (int folder, const char* path, struct stat64* status, int flags)
-    {
-        static const Watched<int (int, const char*, struct stat64*, int)> call ("fstatat64");
-        return call (folder, path, status, flags);
-    }
-
     int access (const char* path, int mode)
     {
         static const Watched<int (const char*, int)> call ("access");
         return call (path, mode);
-    }
-
-    int unlink (const char* path)
-    {
-        static const Watched<int (const char*)> call ("unlink");
-        return call (path);
     }
 }

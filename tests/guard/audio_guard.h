@@ -3,8 +3,9 @@
 
 #include <string>
 
-/** While one stands, this thread may not allocate, free, lock, wait or touch a file: each such call is
-    counted. The calls themselves are replaced for the whole program in audio_guard.cpp. */
+/** While one stands, this thread may not allocate, free, lock, wait, or ask for, read or write a file: each such
+    call is counted. The calls themselves are replaced for the whole program in audio_guard.cpp; to open a file
+    through the framework takes memory. */
 class AudioGuard
 {
 public:

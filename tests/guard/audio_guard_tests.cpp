@@ -1,17 +1,13 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "audio_guard.h"
+#include "state/state_carriers.h"
+#include "state/state_fixture.h"
 #include "support/duel.h"
 
 #include <cstdlib>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <mutex>
-#include <semaphore.h>
-#include <shared_mutex>
-#include <string>
-#include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 namespace
 {
@@ -30,13 +26,11 @@ void guardedBlock (VelkorAudioProcessor& processor, juce::AudioBuffer<float>& bu
 
 }  // namespace
 
-TEST (AudioGuard, NamesEachCallThatItIsThereToSee)
+TEST (AudioGuard, CountsAndNamesTheCallsThatItIsThereToSee)
 {
     static void* volatile kept = nullptr;  // without it the compiler may leave an allocation out
-    static std::shared_mutex lock;
-    static struct stat status;
-    static sem_t semaphore;
-    sem_init (&semaphore, 0, 1);
+    static std::mutex mutex;
+    static char byte;
 
     struct Forbidden
     {
@@ -46,24 +40,13 @@ TEST (AudioGuard, NamesEachCallThatItIsThereToSee)
 
     const Forbidden calls[] = {
         { "malloc", [] { kept = std::malloc (16); } },
+        { "realloc", [] { kept = std::realloc (kept, 100000); } },
         { "free", [] { std::free (kept); } },
         { "aligned_alloc", [] { kept = std::aligned_alloc (64, 64); } },
         { "free", [] { std::free (kept); } },
-        { "posix_memalign",
-          []
-          {
-              void* block = nullptr;
-              EXPECT_EQ (posix_memalign (&block, 64, 64), 0);
-              std::free (block);
-          } },
-        { "pthread_rwlock_rdlock", [] { const std::shared_lock reader (lock); } },
-        { "pthread_rwlock_wrlock", [] { const std::unique_lock writer (lock); } },
-        { "sem_wait", [] { sem_wait (&semaphore); } },
-        { "openat", [] { close (openat (AT_FDCWD, "/dev/null", O_RDONLY)); } },
-        { "stat", [] { stat ("/", &status); } },
-        { "fstatat", [] { fstatat (AT_FDCWD, "/", &status, 0); } },
+        { "pthread_mutex_lock", [] { const std::lock_guard lock (mutex); } },
+        { "read", [] { EXPECT_EQ (read (-1, &byte, 1), -1); } },
         { "access", [] { EXPECT_EQ (access ("/", F_OK), 0); } },
-        { "unlink", [] { EXPECT_NE (unlink ("/dev/null/none"), 0); } },
     };
 
     for (const auto& [name, call] : calls)
@@ -74,37 +57,11 @@ TEST (AudioGuard, NamesEachCallThatItIsThereToSee)
         }
 
         EXPECT_STREQ (AudioGuard::firstCall(), name);
+        EXPECT_GE (AudioGuard::calls(), 1);
     }
-
-    sem_destroy (&semaphore);
 }
 
-TEST (AudioGuard, LeavesAFileTheModeThatItWasOpenedWith)
-{
-    const std::string path = std::string (std::getenv ("HOME")) + "/mode";
-    const mode_t maskBefore = umask (0);
-    close (open (path.c_str(), O_CREAT | O_WRONLY, 0640));
-    umask (maskBefore);
-    struct stat status = {};
-    ASSERT_EQ (stat (path.c_str(), &status), 0);
-    EXPECT_EQ (status.st_mode & 0777u, 0640u);
-}
-
-TEST (AudioGuard, CountsEveryCall)
-{
-    std::mutex mutex;
-
-    {
-        const AudioGuard guard;
-        const std::vector<float> grown (100);
-        const std::lock_guard lock (mutex);
-        ASSERT_EQ (grown.size(), 100u);
-    }
-
-    EXPECT_GE (AudioGuard::calls(), 3) << "malloc, pthread_mutex_lock, free";
-}
-
-TEST (AudioThread, NeitherAllocatesNorLocksNorTouchesFilesWhateverIsPlayed)
+TEST (AudioThread, NeitherAllocatesNorLocksNorTouchesFilesWhateverIsPlayedAndRunsAway)
 {
     VelkorAudioProcessor processor;
     FakePlayHead playHead;
@@ -123,6 +80,7 @@ TEST (AudioThread, NeitherAllocatesNorLocksNorTouchesFilesWhateverIsPlayed)
 
     juce::AudioBuffer<float> storage (2, 4096);
     juce::MidiBuffer midi;
+    int mended = 0;
 
     for (int i = 0; i < 300; ++i)
     {
@@ -146,33 +104,43 @@ TEST (AudioThread, NeitherAllocatesNorLocksNorTouchesFilesWhateverIsPlayed)
         midi.addEvent (juce::MidiMessage::noteOff (1, 30 + noise.below (70)), 0);
         playHead.position = i * 0.37;
         guardedBlock (processor, buffer, midi);
+
+        // The input is never quite silent, so only the clearing after a runaway leaves these at 0.
+        if (n > 0 && processor.engine->signal.signalDests[destSaturation1] == 0.0f &&
+            processor.engine->envelope.envState == 0.0f)
+            ++mended;
     }
+
+    EXPECT_GT (mended, 0) << "saturators that feed themselves have to run away";
 }
 
-TEST (AudioThread, ABlockThatRunsAwayIsMendedWithoutAllocating)
+class LoadGuard : public StateTest
+{
+};
+
+TEST_F (LoadGuard, LoadingTheWholeBankMakesNoAudioBlockAllocateOrWait)
 {
     VelkorAudioProcessor processor;
-    processor.prepareToPlay (48000.0, 512);
+    processor.prepareToPlay (48000.0, 128);
+    const auto documents = factoryDocuments();
+    ASSERT_EQ (documents.size(), 64);
+    std::atomic<bool> stop { false };
+    std::atomic<int> blocks { 0 };
+    auto audio = playNoise (128, stop,
+                            [&] (auto& buffer, auto& midi)
+                            {
+                                guardedBlock (processor, buffer, midi);
+                                ++blocks;
+                            });
+    int loadsBesideABlock = 0;
 
-    for (int from : { sourceSaturation1, sourceSaturation2, sourceInputL })
-        for (int to : { destSaturation1, destSaturation2, destFilter1 })
-            processor.setSignalConnection (from, to, true);
-
-    juce::AudioBuffer<float> buffer (2, 512);
-    juce::MidiBuffer midi;
-    int recovered = 0;
-
-    for (int i = 0; i < 10; ++i)
+    for (int i = 0; i < 5 * 64 || loadsBesideABlock < 64; ++i)
     {
-        buffer.clear();
-        buffer.setSample (0, 3, 1.0f);
-        guardedBlock (processor, buffer, midi);
-
-        // The input is never quite silent, so only the clearing leaves these at 0.
-        if (processor.engine->signal.signalDests[destSaturation1] == 0.0f &&
-            processor.engine->envelope.envState == 0.0f)
-            ++recovered;
+        const int before = blocks;
+        setStateFromText (processor, documents[i % 64]);
+        loadsBesideABlock += blocks > before ? 1 : 0;
     }
 
-    EXPECT_EQ (recovered, 10) << "what doubles 500 times has run away";
+    stop = true;
+    audio.join();
 }

@@ -4,104 +4,90 @@
 #include "state_fixture.h"
 
 #include <cmath>
+#include <limits>
 
 class Chunk : public StateTest
 {
 protected:
+    static void restore (VelkorAudioProcessor& into, const juce::MemoryBlock& chunk)
+    {
+        into.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
+    }
+
+    static juce::String matricesOf (VelkorAudioProcessor& of)
+    {
+        return textOf (of).fromFirstOccurrenceOf ("<SignalMatrix", true, false);
+    }
+
     VelkorAudioProcessor processor;
 };
 
-static const juce::String kNoMatrices = documentWith ("<Parameters/>", "Bare");
-
 TEST_F (Chunk, RefusesAChunkWithoutItsFrameAndCutsOneThatIsTooLong)
 {
-    scramble (processor, 5);
-    juce::MemoryBlock before;
-    processor.getStateInformation (before);
-    const auto good = chunkAround (kNoMatrices);
+    const auto good = chunkAround (documentWith ("<Parameters/>"));
 
-    const auto expectRefused = [&] (const juce::MemoryBlock& chunk, const char* why)
+    const auto nameAfter = [&] (std::size_t size, juce::uint32 magic, int length)
     {
-        processor.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
-        juce::MemoryBlock after;
-        processor.getStateInformation (after);
-        EXPECT_EQ (after, before) << why;
+        auto chunk = good;
+        chunk.copyFrom (&magic, 0, 4);
+        chunk.copyFrom (&length, 4, 4);
+        chunk.setSize (size);
+        processor.presetName = "Before";
+        restore (processor, chunk);
+        return processor.presetName;
     };
 
-    auto chunk = good;
-    chunk.setSize (8);
-    expectRefused (chunk, "no text");
-    chunk.setSize (0);
-    expectRefused (chunk, "nothing");
-    chunk = good;
-    chunk[3] = '?';
-    expectRefused (chunk, "magic");
+    constexpr juce::uint32 kMagic = 0x21324356;
+    const auto size = good.getSize();
+    EXPECT_EQ (nameAfter (0, kMagic, 100), "Before");
+    EXPECT_EQ (nameAfter (8, kMagic, 100), "Before");
+    EXPECT_EQ (nameAfter (size, kMagic + 1, 100), "Before");
 
-    for (const juce::uint32 length : { 0u, 0x80000000u, 0xffffffffu })
-    {
-        chunk = good;
-        chunk.copyFrom (&length, 4, 4);
-        expectRefused (chunk, "length below 1");
-    }
+    for (const int length : { 0, -1, std::numeric_limits<int>::min(), 20 })
+        EXPECT_EQ (nameAfter (size, kMagic, length), "Before") << length;
 
-    const int cut = 20;
-    chunk = good;
-    chunk.copyFrom (&cut, 4, 4);
-    expectRefused (chunk, "text that is cut short");
-
-    const int excess = 0x7fffffff;
-    chunk = good;
-    chunk.copyFrom (&excess, 4, 4);
-    processor.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
-    EXPECT_EQ (processor.presetName, "Bare");
+    EXPECT_EQ (nameAfter (size, kMagic, std::numeric_limits<int>::max()), "Test");
 }
 
 TEST_F (Chunk, TakesTheEditorsSizeOutOfAnyChunkThatParses)
 {
-    const auto restore = [this] (const juce::String& text)
-    {
-        const auto chunk = chunkAround (text);
-        processor.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
-    };
-
     const auto filed = bytesOf (globals());
-    restore (kNoMatrices.replace (" Version", " uiWidth=\"1100\" uiHeight=\"7x\" Version"));
+    restore (processor,
+             chunkAround (documentWith ("<Parameters/>")
+                              .replace (" Version", " uiWidth=\"1100\" uiHeight=\"7x\" Version")));
     EXPECT_EQ (processor.uiWidth, 1100);
     EXPECT_EQ (processor.uiHeight, 7);
 
-    processor.presetName = "Before";
-    restore ("<Other PresetName=\"x\" uiWidth=\"5\"><Parameters/></Other>");
+    restore (processor,
+             chunkAround ("<Other PresetName=\"x\" uiWidth=\"5\"><Parameters/></Other>"));
     EXPECT_EQ (processor.uiWidth, 5);
     EXPECT_EQ (processor.uiHeight, 0);
-    EXPECT_EQ (processor.presetName, "Before");
+    EXPECT_EQ (processor.presetName, "Test");
     EXPECT_EQ (bytesOf (globals()), filed);
 }
 
 TEST_F (Chunk, OfAnyDocumentThatLoadsIsTakenByAnotherInstance)
 {
-    const auto times = [] (const char* text, int n)
-    { return juce::String::repeatedString (juce::String::fromUTF8 (text), n); };
+    const auto times = [] (const juce::String& text, int n)
+    { return juce::String::repeatedString (text, n); };
     juce::String attributes;
 
     for (int i = 0; i < kMaxElementAttributes - 1; ++i)
         attributes << " a" << i << "=\"\"";
 
-    const auto withParams = [] (const juce::String& params)
-    { return documentWith ("<Parameters>" + params + "</Parameters>", "Loaded"); };
-
     const juce::String kDocuments[] = {
-        documentWith ("<Parameters/>", times ("\xc3\xbc", 8000)),
         documentWith ("<Parameters/>", times ("&#x10ffff;", kMaxAttributeCharacters)),
-        documentWith ("<Parameters/>", times ("&quot;", 3000)),
-        withParams (times ("<x/>", 65500)),
-        withParams (times ("<x a=\"1\"><y/>", 60) + times ("</x>", 60) + times ("<x/>", 65000)),
-        withParams (times (("<" + times ("n", 4000) + ">").toRawUTF8(), 50) +
-                    times (("</" + times ("n", 4000) + ">").toRawUTF8(), 50)),
-        withParams (times (("<x b=\"" + times ("\xc3\xbc", 8000) + "\"/>").toRawUTF8(), 200)),
-        withParams ("<PARAM id=\"Kill\" value=\"1\" b=\"" + times ("\xc3\xbc", 8000) + "\"/>"),
-        withParams ("<PARAM id=\"Kill\"" + attributes + "/>"),
+        documentWith ("<Parameters/>",
+                      juce::String::fromUTF8 ("&quot;Tom &amp; 'J'&quot; &lt;\xc3\xbc> &#10;.")),
+        documentWithParams (times ("<x/>", 65500)),
+        documentWithParams (times ("<x a=\"1\"><y/>", 60) + times ("</x>", 60) +
+                            times ("<x/>", 65000)),
+        documentWithParams (times ("<" + times ("n", 4000) + ">", 50) +
+                            times ("</" + times ("n", 4000) + ">", 50)),
+        documentWithParams (times ("<x b=\"" + times ("&quot;", 8000) + "\"/>", 80)),
+        documentWithParams ("<PARAM id=\"Kill\"" + attributes + "/>"),
         "<VelkorSettings PresetName=\"Loaded\"><Parameters b=\"" +
-            times ("\xf0\x9f\x8e\xb5", kMaxAttributeCharacters) + "\"" + attributes +
+            times ("&#x10ffff;", kMaxAttributeCharacters) + "\"" + attributes +
             "/></VelkorSettings>",
     };
 
@@ -116,25 +102,21 @@ TEST_F (Chunk, OfAnyDocumentThatLoadsIsTakenByAnotherInstance)
         EXPECT_LT (chunk.getSize(), kMaxDocumentBytes / 4);
 
         VelkorAudioProcessor other;
-        other.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
-        EXPECT_EQ (other.presetName, processor.presetName);
-        EXPECT_EQ (textOf (other), textOf (processor));
+        restore (other, chunk);
+        EXPECT_EQ (textOf (other), textOf (processor));  // the name in it, too
     }
 }
 
-TEST_F (Chunk, RestoresWhatItSavedInTheSameAndInANewInstance)
+TEST_F (Chunk, BringsASessionIntoAnotherInstanceWhereNothingCreepsFromThenOn)
 {
-    for (std::uint32_t seed = 10; seed < 30; ++seed)
+    for (std::uint32_t seed = 10; seed < 20; ++seed)
     {
-        scramble (processor, seed);
+        SCOPED_TRACE (seed);
         juce::MemoryBlock saved, again, elsewhere;
-        processor.getStateInformation (saved);
-        processor.setStateInformation (saved.getData(), static_cast<int> (saved.getSize()));
-        processor.getStateInformation (again);
-        ASSERT_EQ (again, saved) << "seed " << seed;
-
         VelkorAudioProcessor other;
-        other.setStateInformation (saved.getData(), static_cast<int> (saved.getSize()));
+        scramble (processor, seed);
+        processor.getStateInformation (saved);
+        restore (other, saved);
 
         for (const auto& info : parameterInfo)
         {
@@ -143,14 +125,10 @@ TEST_F (Chunk, RestoresWhatItSavedInTheSameAndInANewInstance)
             EXPECT_NEAR (valueOf (other, info.name), value, std::abs (value) * 2e-6f) << info.name;
         }
 
-        EXPECT_EQ (sorted (connectionList (other)), sorted (connectionList (processor)));
-        EXPECT_EQ (sorted (routeList (other)), sorted (routeList (processor)));
-        EXPECT_EQ (other.presetName, processor.presetName);
-
-        // From then on nothing creeps, however often a session is opened.
+        EXPECT_EQ (matricesOf (other), matricesOf (processor));
         other.getStateInformation (again);
-        other.setStateInformation (again.getData(), static_cast<int> (again.getSize()));
+        restore (other, again);
         other.getStateInformation (elsewhere);
-        EXPECT_EQ (elsewhere, again) << "seed " << seed;
+        EXPECT_EQ (elsewhere, again);
     }
 }

@@ -1,40 +1,110 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
-#include "first_run_fixture.h"
+#include "state/first_run_install.h"
+#include "state_fixture.h"
 
-#include <BinaryData.h>
+#include <chrono>
+#include <csignal>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+
+/** Installs of a made-up archive, which is like the shipped one and has files that tell each other apart. */
+class FirstRun : public StateTest
+{
+protected:
+    static constexpr int kFactoryFiles = 64;
+
+    /** What the n-th factory file of the made-up archive holds. */
+    static std::string content (int n)
+    {
+        return std::string (static_cast<std::size_t> (3000 + 50 * n),
+                            static_cast<char> ('a' + n % 26));
+    }
+
+    static juce::String factoryName (int n)
+    {
+        return "Factory/" + juce::String (n).paddedLeft ('0', 2) + " - Name.zbpreset";
+    }
+
+    static inline const auto kDefault = std::string (5000, 'd');
+
+    /** An archive like the shipped one, with more entries behind it. */
+    static juce::MemoryBlock
+    makeArchive (const std::vector<std::pair<juce::String, std::string>>& more = {})
+    {
+        juce::ZipFile::Builder builder;
+        const auto add = [&] (const juce::String& name, const std::string& bytes)
+        {
+            builder.addEntry (new juce::MemoryInputStream (bytes.data(), bytes.size(), true), 9,
+                              name, juce::Time (2000, 0, 1, 0, 0));
+        };
+
+        for (int n = 0; n < kFactoryFiles; ++n)
+            add (factoryName (n), content (n));
+
+        add ("User/Default.zbpreset", kDefault);
+
+        for (const auto& [name, bytes] : more)
+            add (name, bytes);
+
+        juce::MemoryOutputStream out;
+        builder.writeToStream (out, nullptr);
+        return out.getMemoryBlock();
+    }
+
+    void install (const juce::MemoryBlock& archive) const
+    {
+        installFirstRunContent (presets(), archive.getData(), archive.getSize());
+    }
+
+    /** An install by another process, which may be killed. */
+    pid_t startInstall (const juce::MemoryBlock& archive) const
+    {
+        const pid_t process = fork();
+
+        if (process == 0)
+        {
+            install (archive);
+            _exit (0);
+        }
+
+        return process;
+    }
+
+    /** Whatever else is there or not: no half file, and nothing that no install leaves. */
+    void expectOnlyWholeFiles() const
+    {
+        for (const auto& file : presets ("Factory").findChildFiles (juce::File::findFiles, false))
+            EXPECT_EQ (bytesOf (file), content (file.getFileName().getIntValue()))
+                << file.getFileName();
+
+        for (const auto& entry :
+             presets().findChildFiles (juce::File::findFilesAndDirectories, false))
+            EXPECT_TRUE (entry.getFileName() == "Factory" || entry.getFileName() == "User")
+                << entry.getFileName();
+    }
+
+    void expectComplete() const
+    {
+        EXPECT_EQ (presets ("Factory").getNumberOfChildFiles (juce::File::findFiles),
+                   kFactoryFiles);
+        EXPECT_EQ (bytesOf (presets ("User/Default.zbpreset")), kDefault);
+        expectOnlyWholeFiles();
+    }
+};
 
 TEST_F (FirstRun, OfTheShippedArchiveEndsWithItsDefaultPresetLoaded)
 {
     const VelkorAudioProcessor processor;
-    EXPECT_EQ (processor.presetFolder, presets());
     EXPECT_EQ (processor.presetName, "Default");
     EXPECT_EQ (valueOf (processor, "Delay 1 Time"), 501.0f);
-    EXPECT_EQ (valueOf (processor, "Pan 2"), 1.0f);
     EXPECT_EQ (connectionList (processor),
                (std::vector<std::string> { "0>0", "1>1", "2>8", "3>9" }));
-    EXPECT_TRUE (routeList (processor).empty());
-    expectNothingBeside();
-
-    // The archive holds files of the two folders, sorted, and nothing else.
-    juce::MemoryInputStream stream (BinaryData::Presets_zip, BinaryData::Presets_zipSize, false);
-    juce::ZipFile zip (stream);
-    ASSERT_GE (zip.getNumEntries(), 1);
-
-    for (int i = 0; i < zip.getNumEntries(); ++i)
-    {
-        const auto& name = zip.getEntry (i)->filename;
-        EXPECT_TRUE (name == "User/Default.zbpreset" ||
-                     (name.startsWith ("Factory/") && name.endsWith (".zbpreset")))
-            << name;
-        EXPECT_TRUE (presets (name).existsAsFile()) << name;
-        EXPECT_FALSE (bytesOf (presets (name)).find ('\r') != std::string::npos) << name;
-
-        if (i > 0)
-        {
-            EXPECT_LT (zip.getEntry (i - 1)->filename.compare (name), 0) << name;
-        }
-    }
+    EXPECT_EQ (presets ("Factory").getNumberOfChildFiles (juce::File::findFiles), kFactoryFiles);
+    EXPECT_EQ (presets().getNumberOfChildFiles (juce::File::findFilesAndDirectories), 2);
 }
 
 TEST_F (FirstRun, HappensAgainOnlyOnceUserIsGone)
@@ -44,30 +114,20 @@ TEST_F (FirstRun, HappensAgainOnlyOnceUserIsGone)
 
     ASSERT_TRUE (presets (factoryName (3)).deleteFile());
     putFile (presets (factoryName (4)), "changed");
-    putFile (presets ("Factory/mine.zbpreset"), "mine");
     install (makeArchive());
     EXPECT_FALSE (presets (factoryName (3)).exists());
     EXPECT_EQ (bytesOf (presets (factoryName (4))), "changed");
 
+    putFile (presets ("mine.zbpreset"), "mine");
     ASSERT_TRUE (presets ("User").deleteRecursively());
     install (makeArchive());
+    EXPECT_EQ (bytesOf (presets ("mine.zbpreset")), "mine");
+    ASSERT_TRUE (presets ("mine.zbpreset").deleteFile());
     expectComplete();
-    EXPECT_EQ (bytesOf (presets ("Factory/mine.zbpreset")), "mine");
 
     ASSERT_TRUE (presets ("Factory").deleteRecursively());
     install (makeArchive());
     EXPECT_FALSE (presets ("Factory").exists());
-}
-
-TEST_F (FirstRun, TakesAFileNamedUserForContent)
-{
-    putFile (presets ("User"), "a file");
-    const VelkorAudioProcessor processor;
-    EXPECT_EQ (processor.presetName, "- Init -");
-    EXPECT_EQ (bytesOf (presets ("User")), "a file");
-    EXPECT_FALSE (presets ("Factory").exists());
-    EXPECT_EQ (valueOf (processor, "Delay 1 Time"), 500.0f);
-    EXPECT_EQ (connectionList (processor).size(), 6u);
 }
 
 TEST_F (FirstRun, LoadsNoDefaultThatIsNoneOfOurs)
@@ -86,7 +146,6 @@ TEST_F (FirstRun, LoadsNoDefaultThatIsNoneOfOurs)
     ASSERT_TRUE (file.deleteFile() && file.createDirectory());
     EXPECT_EQ (nameOfNew(), "- Init -");
     ASSERT_TRUE (file.deleteRecursively());
-    EXPECT_EQ (nameOfNew(), "- Init -");
     ASSERT_EQ (mkfifo (file.getFullPathName().toRawUTF8(), 0600), 0);
     EXPECT_EQ (nameOfNew(), "- Init -");
 
@@ -95,13 +154,19 @@ TEST_F (FirstRun, LoadsNoDefaultThatIsNoneOfOurs)
     EXPECT_EQ (nameOfNew(), "Mine");
 }
 
-TEST_F (FirstRun, ComesUpOnItsOwnDefaultsWhereNothingCanBeWritten)
+TEST_F (FirstRun, ComesUpOnItsOwnDefaultsWhereItMayNotUnpack)
 {
-    putFile (homeFile ("Music"), "a file where the folder should be");
-    const VelkorAudioProcessor processor;
-    EXPECT_EQ (processor.presetName, "- Init -");
-    EXPECT_EQ (valueOf (processor, "Delay 1 Multiplier"), 1.0f);
-    EXPECT_EQ (connectionList (processor).size(), 6u);
+    for (const auto& inTheWay : { presets ("User"), homeFile ("Music") })
+    {
+        putFile (inTheWay, "a file where the folder should be");
+        const VelkorAudioProcessor processor;
+        EXPECT_EQ (processor.presetName, "- Init -");
+        EXPECT_EQ (valueOf (processor, "Delay 1 Multiplier"), 1.0f);
+        EXPECT_EQ (connectionList (processor).size(), 6u);
+        EXPECT_EQ (bytesOf (inTheWay), "a file where the folder should be");
+        EXPECT_FALSE (presets ("Factory").exists());
+        ASSERT_TRUE (homeFile ("Music").deleteRecursively());
+    }
 }
 
 TEST_F (FirstRun, RemovesResourceForksAndIsNotLedAstrayByNames)
@@ -109,32 +174,120 @@ TEST_F (FirstRun, RemovesResourceForksAndIsNotLedAstrayByNames)
     putFile (presets ("__MACOSX/._old"), "old");
     install (makeArchive ({ { "__MACOSX/._Factory", "fork" }, { "Empty/", "" } }));
     expectComplete();
-    expectNothingBeside();
 
     ASSERT_TRUE (presets().deleteRecursively());
     install (makeArchive ({ { "../../escaped.txt", "x" } }));
-    EXPECT_FALSE (homeFile ("Music/Zubrow Labs/escaped.txt").exists());
-    EXPECT_FALSE (homeFile ("Music/Zubrow Labs/Velkor/escaped.txt").exists());
-    EXPECT_FALSE (presets ("User").exists());
-    expectNothingBeside();
+    EXPECT_TRUE (homeFile ("").findChildFiles (juce::File::findFiles, true).isEmpty());
 }
 
 TEST_F (FirstRun, LeavesNoUserBehindAnArchiveThatIsDamaged)
 {
-    auto archive = makeArchive();
-    juce::zeromem (archive.begin(), archive.getSize());
-    install (archive);
-    EXPECT_FALSE (presets ("User").exists());
-
     // The directory at the end still stands; of some file in the middle the data are gone.
-    archive = makeArchive();
+    auto archive = makeArchive();
     juce::zeromem (archive.begin() + 400, 200);
     install (archive);
     EXPECT_FALSE (presets ("User").exists());
-    expectNothingBeside();
+    expectOnlyWholeFiles();
 
     putFile (presets ("Factory"), "a file where the folder should be");
     install (makeArchive());
     EXPECT_FALSE (presets ("User").exists());
     EXPECT_EQ (bytesOf (presets ("Factory")), "a file where the folder should be");
+}
+
+/** Runs something while no file may become larger than this, as on a disk that is about to be full: the last write
+    is short, those after it fail. */
+template <typename Run>
+static void runWithLargestFile (rlim_t bytes, Run&& run)
+{
+    rlimit before = {};
+    getrlimit (RLIMIT_FSIZE, &before);
+    const rlimit low { bytes, before.rlim_max };
+    const auto handler = std::signal (SIGXFSZ, SIG_IGN);
+    setrlimit (RLIMIT_FSIZE, &low);
+    run();
+    setrlimit (RLIMIT_FSIZE, &before);
+    std::signal (SIGXFSZ, handler);
+}
+
+TEST_F (FirstRun, OnAFullDiskLeavesNoUserAndTheNextOneTriesAgain)
+{
+    const auto archive = makeArchive();
+
+    for (const rlim_t bytes : { 0u, 1u, 3000u, 3500u, 4096u })
+    {
+        SCOPED_TRACE (bytes);
+        runWithLargestFile (bytes, [&] { install (archive); });
+        EXPECT_FALSE (presets ("User").exists());
+        expectOnlyWholeFiles();
+    }
+
+    install (archive);
+    expectComplete();
+
+    // A whole instance, too: no settings, no presets, and no complaint.
+    ASSERT_TRUE (homeFile ("Music").deleteRecursively());
+    runWithLargestFile (0, [] { const VelkorAudioProcessor processor; });
+    EXPECT_FALSE (globals().exists() || presets ("User").exists());
+}
+
+TEST_F (FirstRun, KilledAtAnyMomentLeavesWholeFilesAndTheNextOneCompletesIt)
+{
+    const auto archive = makeArchive();
+    int unfinished = 0, finished = 0;
+
+    const auto start = std::chrono::steady_clock::now();
+    waitpid (startInstall (archive), nullptr, 0);
+    const auto whole = std::chrono::steady_clock::now() - start;
+
+    // First all through it, then again and again about the moment at which "User" appears.
+    constexpr int kSteps = 30;
+    auto moment = std::chrono::steady_clock::duration::zero();
+
+    for (int round = 0; round < 80; ++round)
+    {
+        SCOPED_TRACE (round);
+        const bool goesBack = round >= kSteps && presets ("User").exists();
+        moment += goesBack ? -whole / kSteps : whole / kSteps;
+        homeFile ("Music").deleteRecursively();
+        const pid_t process = startInstall (archive);
+        std::this_thread::sleep_for (moment);
+        kill (process, SIGKILL);
+        waitpid (process, nullptr, 0);
+
+        for (const auto& file : presets ("Factory").findChildFiles (juce::File::findFiles, false))
+            ASSERT_EQ (bytesOf (file), content (file.getFileName().getIntValue()));
+
+        const bool isFinished = presets ("User").exists();
+        ++(isFinished ? finished : unfinished);
+
+        if (! isFinished)
+            install (archive);
+
+        expectComplete();
+
+        if (! isFinished)
+            presets ("User").deleteRecursively();  // tells the next round that this one was early
+    }
+
+    EXPECT_GT (unfinished, 0);
+    EXPECT_GT (finished, 0);
+}
+
+TEST_F (FirstRun, OfSeveralProcessesAtOnceLeavesCompleteContent)
+{
+    const auto archive = makeArchive();
+
+    for (int round = 0; round < 10; ++round)
+    {
+        homeFile ("Music").deleteRecursively();
+
+        for (int i = 0; i < 4; ++i)
+            startInstall (archive);
+
+        for (int i = 0; i < 4; ++i)
+            wait (nullptr);
+
+        expectComplete();
+    }
 }

@@ -10,43 +10,14 @@ protected:
     /** What tells one kind of markup from another, and numbers that are none. */
     static std::string token (Noise& noise)
     {
-        static const std::string kTokens[] = { "<",
-                                               ">",
-                                               "/>",
-                                               "</",
-                                               "<!--",
-                                               "-->",
-                                               "<?",
-                                               "?>",
-                                               "<![CDATA[",
-                                               "]]>",
-                                               "<!DOCTYPE a [",
-                                               "&#x",
-                                               "&",
-                                               ";",
-                                               "&amp;",
-                                               "&#0;",
-                                               "\"",
-                                               "'",
-                                               "=",
-                                               " ",
-                                               "\n",
-                                               "nan",
-                                               "inf",
-                                               "-1",
-                                               "1e999",
-                                               "4294967297",
-                                               "99999999999999999999",
-                                               "<PARAM id=\"Kill\" value=\"nan\"/>",
-                                               "<PARAM id=\"Pan 1\"/>",
-                                               "<Parameters>",
-                                               "</Parameters>",
-                                               "<Connection input=\"7\" output=\"9\"/>",
-                                               "<Connection source=\"5\" dest=\"9\"/>",
-                                               "\xf0",
-                                               "\xc3\xbc",
-                                               "\xff\xfe",
-                                               std::string (1, '\0') };
+        // clang-format off
+        static const std::string kTokens[] = {
+            "<", ">", "/>", "</", "<!--", "-->", "<?", "?>", "<![CDATA[", "]]>", "<!DOCTYPE a [", "&#x", "&", ";",
+            "&amp;", "&#0;", "\"", "'", "=", " ", "\n", "nan", "inf", "-1", "1e999", "4294967297",
+            "99999999999999999999", "<PARAM id=\"Kill\" value=\"nan\"/>", "<PARAM id=\"Pan 1\"/>", "<Parameters>",
+            "</Parameters>", "<Connection input=\"7\" output=\"9\"/>", "<Connection source=\"5\" dest=\"9\"/>",
+            "\xf0", "\xc3\xbc", "\xff\xfe", std::string (1, '\0') };
+        // clang-format on
         return kTokens[noise.below (static_cast<int> (std::size (kTokens)))];
     }
 
@@ -57,30 +28,22 @@ protected:
         const auto at = place();
         const auto length = static_cast<std::size_t> (noise.below (40));
 
+        // clang-format off
         switch (noise.below (6))
         {
-        case 0:
-            text.insert (at, token (noise));
-            break;
-        case 1:
-            text.erase (at, length);
-            break;
-        case 2:
-            text.insert (place(), text.substr (at, length));
-            break;
-        case 3:
-            text.replace (at, 1, 1, static_cast<char> (noise.below (256)));
-            break;
-        case 4:
-            text.replace (at, length, token (noise));
-            break;
-        default:
-            if (noise.chance (0.1f))
-                text.resize (at);
-            else
-                text.insert (at, std::to_string (noise.below (2000) - 500));
-            break;
+        case 0: text.insert (at, token (noise)); return;
+        case 1: text.erase (at, length); return;
+        case 2: text.insert (place(), text.substr (at, length)); return;
+        case 3: text.replace (at, 1, 1, static_cast<char> (noise.below (256))); return;
+        case 4: text.replace (at, length, token (noise)); return;
+        default: break;
         }
+        // clang-format on
+
+        if (noise.chance (0.1f))
+            text.resize (at);
+        else
+            text.insert (at, std::to_string (noise.below (2000) - 500));
     }
 };
 
@@ -89,8 +52,8 @@ TEST_F (Mutations, OfDocumentsAndChunksLeaveAnInstanceThatPlaysAndSavesALegalSta
     VelkorAudioProcessor processor;
     processor.prepareToPlay (48000.0, 64);
     const std::string seeds[] = { keptDocument ("default_saved.zbpreset"),
-                                  keptDocument ("six_decimals.zbpreset"),
-                                  keptDocument ("mixed_forms.zbpreset") };
+                                  factoryDocuments()[3].toStdString(),
+                                  factoryDocuments()[27].toStdString() };
     Noise noise (20);
     int loaded = 0;
 
@@ -106,11 +69,10 @@ TEST_F (Mutations, OfDocumentsAndChunksLeaveAnInstanceThatPlaysAndSavesALegalSta
         if (noise.chance (0.5f))
         {
             auto chunk = chunkAround ({});
+            const auto length = noise.chance (0.05f) ? noise.bits() : text.size();
+            chunk.copyFrom (&length, 4, 4);
             chunk.setSize (8);
             chunk.append (text.data(), text.size());
-            const int length = noise.chance (0.05f) ? static_cast<int> (noise.bits())
-                                                    : static_cast<int> (text.size());
-            chunk.copyFrom (&length, 4, 4);
             processor.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
         }
         else
@@ -120,10 +82,9 @@ TEST_F (Mutations, OfDocumentsAndChunksLeaveAnInstanceThatPlaysAndSavesALegalSta
             setStateFromFile (processor, homeFile ("mutated.zbpreset"));
         }
 
-        loaded +=
-            processor.presetName != "unloaded" && processor.presetName != "Error Loading Preset"
-                ? 1
-                : 0;
+        if (processor.presetName != "unloaded" && processor.presetName != "Error Loading Preset")
+            ++loaded;
+
         ASSERT_EQ (faultOf (processor), "") << "mutation " << i << ":\n" << text;
     }
 

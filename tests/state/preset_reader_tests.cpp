@@ -2,6 +2,8 @@
 #include "state/state_carriers.h"
 #include "state_fixture.h"
 
+#include <limits>
+
 class PresetReader : public StateTest
 {
 protected:
@@ -10,27 +12,46 @@ protected:
 
     void load (const juce::String& text) { setStateFromText (processor, text); }
 
+    /** Loads one value for the first delay's time where it stood at a place of its travel; what is saved then. */
+    juce::String timeAfter (const juce::String& text, float place)
+    {
+        processor.parameterTree.getParameter ("Delay 1 Time")->setValueNotifyingHost (place);
+        load (documentWithParams ("<PARAM id=\"Delay 1 Time\" value=\"" + text + "\"/>"));
+        return valueTextIn (textOf (processor), "Delay 1 Time");
+    }
+
     VelkorAudioProcessor processor;
     HostListener host;
 };
 
-static const juce::String kNoMatrices = documentWith ("<Parameters/>", "Bare");
-
-TEST_F (PresetReader, IgnoresADocumentOfAnotherRootOrWithoutParameters)
+TEST_F (PresetReader, TakesNoOtherDocumentAndShowsAFailureOnlyForFilesThatAreNone)
 {
     scramble (processor, 1);
+    processor.presetName = "Before";
     const auto before = textOf (processor);
+    const auto file = presets ("any.zbpreset");
     host.changes = 0;
 
-    load ("<Other PresetName=\"x\"><Parameters/><SignalMatrix/></Other>");
-    load ("<VelkorSettings2 PresetName=\"x\"><Parameters/><SignalMatrix/></VelkorSettings2>");
-    load ("<VelkorSettings PresetName=\"x\"><SignalMatrix/><ModMatrix/></VelkorSettings>");
-    load ("<VelkorSettings PresetName=\"x\"><Parameters/><SignalMatrix/>");
-    load ("no markup at all");
-    load ({});
-    processor.loadStateFromXML (nullptr);
+    const auto expectRefused = [&] (const char* text, const char* nameAfterwards)
+    {
+        load (text);
+        EXPECT_EQ (textOf (processor), before) << text;
+        putFile (file, text);
+        setStateFromFile (processor, file);
+        EXPECT_EQ (processor.presetName, nameAfterwards) << text;
+        processor.presetName = "Before";
+        EXPECT_EQ (textOf (processor), before) << text;
+    };
 
-    EXPECT_EQ (textOf (processor), before);
+    expectRefused ("<Other PresetName=\"x\"><Parameters/><SignalMatrix/></Other>", "Before");
+    expectRefused ("<VelkorSettings2 PresetName=\"x\"><Parameters/></VelkorSettings2>", "Before");
+    expectRefused ("<VelkorSettings PresetName=\"x\"><ModMatrix/></VelkorSettings>", "Before");
+    expectRefused ("<VelkorSettings PresetName=\"x\"><Parameters/>", "Error Loading Preset");
+    expectRefused ("no markup", "Error Loading Preset");
+    expectRefused ("", "Error Loading Preset");
+
+    setStateFromFile (processor, presets ("none.zbpreset"));
+    EXPECT_EQ (processor.presetName, "Error Loading Preset");
     EXPECT_EQ (host.changes, 0);
 }
 
@@ -39,11 +60,10 @@ TEST_F (PresetReader, LeavesMatricesThatTheDocumentLacksAndClearsThoseThatAreEmp
     scramble (processor, 2);
     const auto connections = connectionList (processor);
     const auto routes = routeList (processor);
-    ASSERT_FALSE (connections.empty());
-    ASSERT_FALSE (routes.empty());
+    ASSERT_FALSE (connections.empty() || routes.empty());
 
-    load (kNoMatrices);
-    EXPECT_EQ (processor.presetName, "Bare");
+    load (documentWith ("<Parameters/>"));
+    EXPECT_EQ (processor.presetName, "Test");
     EXPECT_EQ (connectionList (processor), connections);
     EXPECT_EQ (routeList (processor), routes);
 
@@ -52,7 +72,6 @@ TEST_F (PresetReader, LeavesMatricesThatTheDocumentLacksAndClearsThoseThatAreEmp
     EXPECT_EQ (routeList (processor), routes);
 
     load (documentWith ("<Parameters/><ModMatrix/>"));
-    EXPECT_TRUE (routeList (processor).empty());
     EXPECT_TRUE (textOf (processor).contains ("<SignalMatrix/>\r\n  <ModMatrix/>"));
 }
 
@@ -64,7 +83,6 @@ TEST_F (PresetReader, TakesConnectionsInTheirOrderOnceEachAndSkipsThoseOutOfRang
         "<Connection input=\"7\" output=\"9\"/><Connection input=\"8\" output=\"0\"/>"
         "<Connection input=\"0\" output=\"10\"/><Connection input=\"-1\" output=\"0\"/>"
         "<Connection input=\"4294967297\" output=\"3\"/>"
-        "<Connection input=\"1\" output=\"18446744073709551617\"/>"
         "<Connection input=\"99999999999999999999999\" output=\"1\"/>"
         "<Connection output=\"3\"/><connection input=\"six\" output=\"5\"/>"
         "<Connection input=\" 2x\" output=\"+6\"/><Konnection input=\"1\" output=\"1\"/>"
@@ -80,106 +98,60 @@ TEST_F (PresetReader, TakesConnectionsInTheirOrderOnceEachAndSkipsThoseOutOfRang
     EXPECT_EQ (connectionList (processor),
                (std::vector<std::string> { "7>9", "0>4", "0>3", "0>5", "2>6", "0>0" }));
     EXPECT_EQ (routeList (processor), (std::vector<std::string> { "5>9", "0>1", "0>3" }));
-    EXPECT_TRUE (processor.getModConnection (5, 9));
-    EXPECT_FALSE (processor.getModConnection (1, 2));
-    EXPECT_EQ (processor.engine->filter1.active, 1);
-    EXPECT_EQ (processor.engine->filter2.active, 1);
-
-    load (documentWith ("<Parameters/><SignalMatrix><Connection input=\"0\" output=\"5\"/>"
-                        "</SignalMatrix>"));
-    EXPECT_EQ (processor.engine->filter1.active, 0);
-    EXPECT_EQ (processor.engine->filter2.active, 1);
 }
 
 TEST_F (PresetReader, KeepsAParameterThatTheDocumentLacksAndAppendsTheMissingOnesById)
 {
     scramble (processor, 3);
-    std::vector<float> before;
+    std::vector<float> before, after;
 
     for (auto* parameter : processor.getParameters())
         before.push_back (parameter->getValue());
 
     load (documentWithParams ("<PARAM id=\"Kill\" value=\"1.000000\"/><PARAM id=\"Dry Level\"/>"));
 
-    before[Kill] = 1.0f;
+    for (auto* parameter : processor.getParameters())
+        after.push_back (parameter->getValue());
 
-    for (int i = 0; i < processor.getParameters().size(); ++i)
-        EXPECT_EQ (processor.getParameters()[i]->getValue(), before[static_cast<std::size_t> (i)])
-            << paramMapper[i].name;
+    before[Kill] = 1.0f;
+    EXPECT_EQ (after, before);
 
     const auto document = juce::parseXML (textOf (processor));
     juce::StringArray ids;
 
     for (const auto* param : document->getChildByName ("Parameters")->getChildIterator())
-    {
         ids.add (param->getStringAttribute ("id"));
-        EXPECT_TRUE (param->hasAttribute ("value")) << ids[ids.size() - 1];
-    }
 
     ASSERT_EQ (ids.size(), 57);
-    EXPECT_EQ (ids[0], "Kill");
-    EXPECT_EQ (ids[1], "Dry Level");
-    EXPECT_EQ (ids[2], "Delay 1 Bypass");
-    EXPECT_EQ (ids[56], "Wet Level");
-
-    for (int i = 3; i < 57; ++i)
-        EXPECT_LT (ids[i - 1].compare (ids[i]), 0) << ids[i];
+    auto wanted = ids;
+    wanted.removeString ("Kill");
+    wanted.removeString ("Dry Level");
+    wanted.sort (false);
+    wanted.insert (0, "Kill");
+    wanted.insert (1, "Dry Level");
+    EXPECT_EQ (ids, wanted);
 }
 
 TEST_F (PresetReader, LetsNoIllegalNumberIntoTheStoreNorKeepsItsText)
 {
-    for (const char* const text : { "nan", "NaN", "-nan", "abc", "", "12abc", "1,5", "0x10", "--5",
-                                    "1e", "e5", ".", "infinit", "1 2", "+-5", "+nan", "&#x661;" })
-    {
-        processor.parameterTree.getParameter ("Delay 1 Time")->setValueNotifyingHost (0.25f);
-        load (documentWithParams ("<PARAM id=\"Delay 1 Time\" value=\"" + juce::String (text) +
-                                  "\"/>"));
-        EXPECT_EQ (valueOf (processor, "Delay 1 Time"), 251.5f) << text;
-        EXPECT_EQ (valueTextIn (textOf (processor), "Delay 1 Time"), "251.5") << text;
-    }
+    for (const char* const text : { "nan", "-nan", "abc", "", "12abc", "1,5", "0x10", "--5", "1e",
+                                    "e5", ".", "infinit", "1 2", "+-5", "&#x661;" })
+        EXPECT_EQ (timeAfter (text, 0.25f), "251.5") << text;
 
-    struct End
-    {
-        const char *text, *wanted;
-    };
-
-    for (const auto& [text, wanted] :
-         { End { "inf", "1000.0" }, End { "-INF", "2.0" }, End { "+inf", "1000.0" },
-           End { "1e999", "1000.0" }, End { "-1e999", "2.0" }, End { "1000.1", "1000.0" },
-           End { "1.999", "2.0" }, End { "0", "2.0" }, End { "5e5", "1000.0" },
-           End { "1e9999999", "1000.0" }, End { "-1e99999999999999999999", "2.0" },
-           End { "5e-99999999999999999999", "2.0" }, End { "-5e-999", "2.0" } })
-    {
-        // From both ends: a store that stands where the text leads doesn't hear of it.
-        for (const float start : { 0.0f, 0.5f, 1.0f })
-        {
-            processor.parameterTree.getParameter ("Delay 1 Time")->setValueNotifyingHost (start);
-            load (documentWithParams ("<PARAM id=\"Delay 1 Time\" value=\"" + juce::String (text) +
-                                      "\"/>"));
-            EXPECT_EQ (valueTextIn (textOf (processor), "Delay 1 Time"), wanted)
-                << text << " from " << start;
-            EXPECT_EQ (valueOf (processor, "Delay 1 Time"), juce::String (wanted).getFloatValue());
-        }
-    }
-
-    for (const auto& [text, wanted] :
-         { End { "+7.5", "7.5" }, End { "1e2", "100" }, End { "2.5E+1", "25" }, End { ".5e1", "5" },
-           End { "300.", "300" } })
-    {
-        load (documentWithParams ("<PARAM id=\"Delay 1 Time\" value=\"" + juce::String (text) +
-                                  "\"/>"));
-        EXPECT_NEAR (valueOf (processor, "Delay 1 Time"), juce::String (wanted).getFloatValue(),
-                     1e-4f)
-            << text;
-    }
-}
-
-TEST_F (PresetReader, TakesNumbersOfAnyLengthAndKeepsNoTextThatTheStoreWouldMisread)
-{
     const juce::String zeros = juce::String::repeatedString ("0", 130);
     const juce::String hundreds = juce::String::repeatedString ("0", 400);
 
     const std::pair<juce::String, juce::String> kTexts[] = {
+        { "inf", "1000.0" },
+        { "-INF", "2.0" },
+        { "-1e999", "2.0" },
+        { "1000.1", "1000.0" },
+        { "1.999", "2.0" },
+        { "1e9999999", "1000.0" },
+        { "5e-99999999999999999999", "2.0" },
+        { "-5e-999", "2.0" },
+        { "+7.5", "+7.5" },
+        { ".5e1", ".5e1" },
         { "400." + zeros, "400.0" },
         { zeros + "400", "400.0" },
         { "1e0000002", "1e0000002" },
@@ -191,20 +163,17 @@ TEST_F (PresetReader, TakesNumbersOfAnyLengthAndKeepsNoTextThatTheStoreWouldMisr
         { "0.000000000000000000000004e26", "400.0" },
     };
 
+    // From both ends: a store that stands where the text leads doesn't hear of it.
     for (const auto& [text, wanted] : kTexts)
-    {
-        processor.parameterTree.getParameter ("Delay 1 Time")->setValueNotifyingHost (0.3f);
-        load (documentWithParams ("<PARAM id=\"Delay 1 Time\" value=\"" + text + "\"/>"));
-        EXPECT_EQ (valueTextIn (textOf (processor), "Delay 1 Time"), wanted) << text;
-        EXPECT_EQ (valueOf (processor, "Delay 1 Time"), wanted.getFloatValue()) << text;
-    }
-}
+        for (const float place : { 0.0f, 0.3f, 1.0f })
+        {
+            EXPECT_EQ (timeAfter (text, place), wanted) << text << " from " << place;
+            EXPECT_NEAR (valueOf (processor, "Delay 1 Time"), wanted.getFloatValue(), 1e-4f)
+                << text << " from " << place;
+        }
 
-TEST_F (PresetReader, LoadsOverAValueOfTheHostThatIsNoNumber)
-{
-    auto* const time = processor.parameterTree.getParameter ("Delay 1 Time");
-    time->setValueNotifyingHost (std::numeric_limits<float>::quiet_NaN());
-    load (documentWithParams ("<PARAM id=\"Delay 1 Time\" value=\"nan\"/>"));
+    // The host's own are no better.
+    EXPECT_EQ (timeAfter ("nan", std::numeric_limits<float>::quiet_NaN()), "500.0");
     EXPECT_EQ (valueOf (processor, "Delay 1 Time"), 500.0f);
 }
 
@@ -213,70 +182,31 @@ TEST_F (PresetReader, TakesNamesInAnyCaseAndWritesThemExactly)
     load ("<velkorsettings PresetName=\"Case\"><parameters><param id=\"Delay 1 Time\" value=\"7\"/>"
           "<Param ID=\"Delay 2 Time\" value=\"8\"/></parameters>"
           "<SIGNALMATRIX><Connection input=\"1\" output=\"2\"/></SIGNALMATRIX></velkorsettings>");
-    EXPECT_EQ (processor.presetName, "Case");
     EXPECT_EQ (valueOf (processor, "Delay 1 Time"), 7.0f);
     EXPECT_EQ (valueOf (processor, "Delay 2 Time"), 501.0f);
     EXPECT_EQ (connectionList (processor), std::vector<std::string> { "1>2" });
 
     const auto text = textOf (processor);
-    EXPECT_TRUE (text.contains ("<VelkorSettings PresetName=\"Case\" Version=\"65536\">"));
-    EXPECT_TRUE (text.contains ("  <Parameters>\r\n    <PARAM id=\"Delay 1 Time\" value=\"7\"/>"))
-        << text;
+    EXPECT_TRUE (text.contains ("<VelkorSettings PresetName=\"Case\" Version=\"65536\">\r\n"
+                                "  <Parameters>\r\n    <PARAM id=\"Delay 1 Time\" value=\"7\"/>"));
     EXPECT_FALSE (text.contains ("aram "));
-    EXPECT_FALSE (text.contains ("<parameters"));
-    EXPECT_EQ (processor.parameterTree.state.getType().toString(), "Parameters");
 }
 
-TEST_F (PresetReader, LetsTheLastOfEqualIdsWinAndWritesOne)
-{
-    load (documentWithParams ("<PARAM id=\"Delay 1 Time\" value=\"7\"/>"
-                              "<PARAM id=\"Kill\" value=\"1\"/>"
-                              "<PARAM id=\"Delay 1 Time\" value=\"8\"/>"));
-    EXPECT_EQ (valueOf (processor, "Delay 1 Time"), 8.0f);
-    EXPECT_EQ (valueTextIn (textOf (processor), "Delay 1 Time"), "8");
-    processor.parameterTree.getParameter ("Delay 1 Time")->setValueNotifyingHost (0.5f);
-    EXPECT_EQ (valueTextIn (textOf (processor), "Delay 1 Time"), "501.0");
-}
-
-TEST_F (PresetReader, KeepsWhatItDoesNotKnowAmongTheParameters)
-{
-    load (documentWithParams ("<PARAM id=\"Delay 3 Time\" value=\"nan\"/>"
-                              "<Other a=\"1\"><Deep/></Other>words"
-                              "<PARAM id=\"Kill\" value=\"1\" midi=\"74\"/>"));
-    const auto text = textOf (processor);
-    EXPECT_TRUE (text.contains ("    <PARAM id=\"Delay 3 Time\" value=\"nan\"/>\r\n"
-                                "    <Other a=\"1\">\r\n      <Deep/>\r\n    </Other>\r\n"
-                                "    <PARAM id=\"Kill\" value=\"1\" midi=\"74\"/>\r\n"))
-        << text;
-}
-
-TEST_F (PresetReader, DoesNotTakeAnotherElementsIdForAParameter)
+TEST_F (PresetReader, KeepsWhatItDoesNotKnowAndOfEqualIdsTheLast)
 {
     load (
-        documentWithParams ("<PARAM id=\"Pan 1\" value=\"0.5\"/><Other id=\"Kill\" value=\"nan\"/>"
-                            "<Other id=\"Pan 1\" value=\"7\"/>"));
-    EXPECT_EQ (valueOf (processor, "Kill"), 0.0f);
+        documentWithParams ("<PARAM id=\"Delay 3 Time\" value=\"nan\"/>"
+                            "<Other a=\"1\"><Deep/></Other>words"
+                            "<PARAM id=\"Pan 1\" value=\"0.25\"/><Other id=\"Pan 1\" value=\"7\"/>"
+                            "<PARAM id=\"Pan 1\" value=\"0.5\" midi=\"74\"/>"
+                            "<Other id=\"Kill\" value=\"nan\"/>"));
     EXPECT_EQ (valueOf (processor, "Pan 1"), 0.5f);
-    EXPECT_FALSE (textOf (processor).contains ("Other"));
-}
-
-TEST_F (PresetReader, TakesAMissingNameAsEmptyAndBringsMarkupInNamesBothWays)
-{
-    load ("<VelkorSettings><Parameters/></VelkorSettings>");
-    EXPECT_EQ (processor.presetName, "");
-
-    const auto name = juce::String::fromUTF8 ("\"Tom & 'Jerry'\" <\xc3\xbc\xe2\x82\xac> \t\n.");
-    processor.presetName = name;
-    const auto text = textOf (processor);
-    juce::MemoryBlock chunk;
-    processor.getStateInformation (chunk);
-
-    processor.presetName = "other";
-    load (text);
-    EXPECT_EQ (processor.presetName, name);
-    processor.presetName = "other";
-    processor.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
-    EXPECT_EQ (processor.presetName, name);
+    EXPECT_EQ (valueOf (processor, "Kill"), 0.0f);
+    EXPECT_TRUE (textOf (processor).contains (
+        "  <Parameters>\r\n    <PARAM id=\"Delay 3 Time\" value=\"nan\"/>\r\n"
+        "    <Other a=\"1\">\r\n      <Deep/>\r\n    </Other>\r\n"
+        "    <PARAM id=\"Pan 1\" value=\"0.5\" midi=\"74\"/>\r\n    <PARAM id=\"Delay 1 Bypass\""))
+        << textOf (processor);
 }
 
 TEST_F (PresetReader, ClearsTheUndoHistoryAndTellsTheHostWhatChanged)
@@ -287,34 +217,10 @@ TEST_F (PresetReader, ClearsTheUndoHistoryAndTellsTheHostWhatChanged)
     ASSERT_TRUE (processor.undoManager.canUndo());
     host.changes = 0;
 
-    load (kNoMatrices);
+    load ("<VelkorSettings><Parameters/></VelkorSettings>");
+    EXPECT_EQ (processor.presetName, "");
     EXPECT_FALSE (processor.undoManager.canUndo());
     EXPECT_EQ (host.changes, 1);
     EXPECT_TRUE (host.last.latencyChanged && host.last.parameterInfoChanged &&
                  host.last.programChanged && ! host.last.nonParameterStateChanged);
-}
-
-TEST_F (PresetReader, ShowsAFailureOnlyForFilesAndOnlyAsTheName)
-{
-    scramble (processor, 4);
-    processor.presetName = "Before";
-    const auto before = textOf (processor);
-    host.changes = 0;
-
-    putFile (presets ("bad.zbpreset"), "<VelkorSettings PresetName=\"x\"");
-    putFile (presets ("empty.zbpreset"), "");
-    putFile (presets ("other.zbpreset"), "<Other PresetName=\"x\"><Parameters/></Other>");
-
-    for (const char* const name : { "bad.zbpreset", "empty.zbpreset", "none.zbpreset", "User" })
-    {
-        processor.presetName = "Before";
-        setStateFromFile (processor, presets (name));
-        EXPECT_EQ (processor.presetName, "Error Loading Preset") << name;
-        processor.presetName = "Before";
-        EXPECT_EQ (textOf (processor), before) << name;
-    }
-
-    setStateFromFile (processor, presets ("other.zbpreset"));
-    EXPECT_EQ (processor.presetName, "Before");
-    EXPECT_EQ (host.changes, 0);
 }

@@ -5,7 +5,6 @@
 #include "state/state_carriers.h"
 #include "support/duel.h"
 
-#include <algorithm>
 #include <fstream>
 #include <sstream>
 
@@ -108,12 +107,6 @@ std::vector<std::string> routeList (const VelkorAudioProcessor& processor)
     return list;
 }
 
-std::vector<std::string> sorted (std::vector<std::string> list)
-{
-    std::sort (list.begin(), list.end());
-    return list;
-}
-
 juce::String textOf (VelkorAudioProcessor& processor)
 {
     juce::String text;
@@ -135,26 +128,33 @@ juce::String valueTextIn (const juce::String& document, const juce::String& id)
     return document.substring (first + start.length()).upToFirstOccurrenceOf ("\"", false, false);
 }
 
+std::thread playNoise (int numSamples, const std::atomic<bool>& stop,
+                       std::function<void (juce::AudioBuffer<float>&, juce::MidiBuffer&)> play)
+{
+    return std::thread (
+        [numSamples, &stop, play]
+        {
+            juce::AudioBuffer<float> buffer (2, numSamples);
+            juce::MidiBuffer midi;
+            Noise noise (8);
+
+            while (! stop)
+            {
+                for (int channel = 0; channel < 2; ++channel)
+                    for (int n = 0; n < numSamples; ++n)
+                        buffer.setSample (channel, n, noise());
+
+                midi.clear();
+                midi.addEvent (juce::MidiMessage::noteOn (1, 30 + noise.below (70), 1.0f), 0);
+                play (buffer, midi);
+            }
+        });
+}
+
 void HostListener::audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails& details)
 {
     ++changes;
     last = details;
-}
-
-static std::string homeOfNow()
-{
-    const char* const home = getenv ("HOME");
-    return home != nullptr ? home : "";
-}
-
-StateTest::StateTest() : homeBefore (homeOfNow())
-{
-    // The framework reads HOME at each question for the home folder, so a change of it counts at once.
-}
-
-StateTest::~StateTest()
-{
-    setenv ("HOME", homeBefore.c_str(), 1);
 }
 
 juce::File StateTest::homeFile (const juce::String& path) const

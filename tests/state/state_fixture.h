@@ -6,9 +6,12 @@
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
+#include <atomic>
+#include <functional>
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 /** Text of a file, as bytes; empty if there is none. */
@@ -29,7 +32,7 @@ juce::String documentWith (const juce::String& children, const juce::String& nam
 /** A document with these elements inside of its parameters and no matrices. */
 juce::String documentWithParams (const juce::String& params);
 
-/** The frame that hosts keep, around any text, with the right length in it unless told otherwise. */
+/** The frame that hosts keep, around any text. */
 juce::MemoryBlock chunkAround (const juce::String& text);
 
 /** Puts what happens to be in the parameters out of the way of what is about to be loaded. */
@@ -44,14 +47,15 @@ std::vector<std::string> connectionList (const VelkorAudioProcessor& processor);
 /** All modulation routes as "source>dest", the order that of the list that the tick walks. */
 std::vector<std::string> routeList (const VelkorAudioProcessor& processor);
 
-/** A list in an order of its own, to be compared where its own order doesn't count. */
-std::vector<std::string> sorted (std::vector<std::string> list);
-
 /** The present document as file text. */
 juce::String textOf (VelkorAudioProcessor& processor);
 
 /** The value text of a parameter in a document; "(none)" without one, "(several)" if it occurs twice. */
 juce::String valueTextIn (const juce::String& document, const juce::String& id);
+
+/** An audio thread: hands blocks of noise with a note in each to a function until it is told to stop. */
+std::thread playNoise (int numSamples, const std::atomic<bool>& stop,
+                       std::function<void (juce::AudioBuffer<float>&, juce::MidiBuffer&)> play);
 
 /** Counts what the host is told. */
 class HostListener : public juce::AudioProcessorListener
@@ -68,15 +72,14 @@ public:
 class StateTest : public testing::Test
 {
 protected:
-    StateTest();
-    ~StateTest() override;
+    ~StateTest() override { setenv ("HOME", homeBefore.c_str(), 1); }
 
     juce::File homeFile (const juce::String& path) const;
     juce::File presets (const juce::String& path = {}) const;
     juce::File globals() const;
 
 private:
-    std::string homeBefore;  ///< first: read before the new one is set
+    const std::string homeBefore = getenv ("HOME");  ///< first: read before the new one is set
 
 protected:
     TemporaryHome home;

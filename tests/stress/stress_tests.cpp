@@ -1,45 +1,42 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
+#include "state/legal_state.h"
+#include "state/state_carriers.h"
+#include "state/state_fixture.h"
 #include "support/duel.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
-#include <gtest/gtest.h>
-#include <thread>
 
 // Run under the thread sanitizer: what may happen at once, happens at once.
 
-TEST (Stress, RewiringAndAutomationBesideAudioRacesWithNothing)
+class Stress : public StateTest
 {
+protected:
+    /** Plays the processor on an audio thread. */
+    std::thread play()
+    {
+        processor.prepareToPlay (48000.0, 128);
+        return playNoise (128, stop,
+                          [this] (auto& buffer, auto& midi)
+                          {
+                              processor.processBlock (buffer, midi);
+                              ++blocks;
+
+                              if (! std::isfinite (buffer.getSample (1, 100)))
+                                  allFinite = false;
+                          });
+    }
+
     VelkorAudioProcessor processor;
+    std::atomic<bool> stop { false }, allFinite { true };
+    std::atomic<int> blocks { 0 }, readings { 0 };
+};
+
+TEST_F (Stress, RewiringAndAutomationBesideAudioRacesWithNothing)
+{
     VelkorAudioProcessor neighbour;  // shares the process-wide rate
-    processor.prepareToPlay (48000.0, 256);
-    std::atomic<bool> stop { false };
-    std::atomic<int> blocks { 0 };
-    std::atomic<bool> allFinite { true };
-
-    std::thread audio (
-        [&]
-        {
-            juce::AudioBuffer<float> buffer (2, 256);
-            juce::MidiBuffer midi;
-            Noise noise (5);
-
-            while (! stop)
-            {
-                for (int channel = 0; channel < 2; ++channel)
-                    for (int n = 0; n < 256; ++n)
-                        buffer.setSample (channel, n, noise());
-
-                processor.processBlock (buffer, midi);
-
-                if (! std::isfinite (buffer.getSample (0, 100)))
-                    allFinite = false;
-
-                ++blocks;
-            }
-        });
-
+    std::atomic<bool> allInRange { true };
+    auto audio = play();
     std::thread other (
         [&]
         {
@@ -54,31 +51,18 @@ TEST (Stress, RewiringAndAutomationBesideAudioRacesWithNothing)
             }
         });
 
-    std::atomic<int> readings { 0 };
-    std::atomic<bool> allInRange { true };
-
     // As an open editor's timer and a host that saves do.
     std::thread reader (
         [&]
         {
-            const auto& engine = *processor.engine;
-
-            while (! stop)
-            {
+            for (; ! stop; ++readings)
                 for (int number = 0; number <= 10; ++number)
                     for (int source = 0; source <= 8; ++source)
-                    {
-                        const bool isConnected = signal_matrix_get (engine.signal, source, number);
-                        const bool isRouted = processor.getModConnection (source, number);
-
-                        if ((isConnected &&
+                        if ((processor.getSignalConnection (source, number) &&
                              (source >= kNumSignalSources || number >= kNumSignalDests)) ||
-                            (isRouted && (source >= kNumModSources || number >= kNumModDests)))
+                            (processor.getModConnection (source, number) &&
+                             (source >= kNumModSources || number >= kNumModDests)))
                             allInRange = false;
-                    }
-
-                ++readings;
-            }
         });
 
     Noise noise (6);
@@ -99,12 +83,39 @@ TEST (Stress, RewiringAndAutomationBesideAudioRacesWithNothing)
     reader.join();
     EXPECT_TRUE (allFinite);
     EXPECT_TRUE (allInRange);
+    EXPECT_EQ (faultOf (processor), "");  // what the reader saw last is what the audio thread plays
+}
 
-    // What the reader saw last is what the audio thread plays.
-    const auto countOf = [] (const auto& flags)
-    { return std::count (flags.begin(), flags.end(), true); };
-    const auto& signal = processor.engine->signal;
-    EXPECT_EQ (countOf (signal.connected), signal.connectionCount);
-    const auto& modulation = processor.engine->modulation;
-    EXPECT_EQ (countOf (modulation.modGrid), modulation.router.routes.size());
+TEST_F (Stress, LoadingAndSavingInALoopBesideAudioLeavesTheLastDocument)
+{
+    auto audio = play();
+    std::thread host (  // hosts ask for the name on any thread
+        [this]
+        {
+            while (! stop)
+                readings += processor.getProgramName (0).isNotEmpty() ? 1 : 0;
+        });
+
+    const auto documents = factoryDocuments();
+    ASSERT_EQ (documents.size(), 64);
+    juce::MemoryBlock chunk;
+
+    for (int i = 0; i < 20 * 64 || blocks < 200 || readings < 1; ++i)
+    {
+        setStateFromText (processor, documents[i % 64]);
+
+        if (i % 7 == 0)
+        {
+            processor.getStateInformation (chunk);
+            processor.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
+        }
+    }
+
+    setStateFromText (processor, juce::String (keptDocument ("default_saved.zbpreset")));
+    stop = true;
+    audio.join();
+    host.join();
+    EXPECT_TRUE (allFinite);
+    EXPECT_EQ (textOf (processor).toStdString(), keptDocument ("default_saved.zbpreset"));
+    EXPECT_EQ (faultOf (processor), "");
 }

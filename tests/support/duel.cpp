@@ -50,6 +50,12 @@ void Duel::set (NumericalParamID id, float realValue)
     setParameter (product, id, realValue);
 }
 
+void Duel::set (NumericalParamID first, NumericalParamID second, float realValue)
+{
+    set (first, realValue);
+    set (second, realValue);
+}
+
 void Duel::connect (int source, int destination, bool on)
 {
     product.setSignalConnection (source, destination, on);
@@ -100,6 +106,7 @@ bool Duel::process (std::vector<float>& left, std::vector<float>& right, int cha
 
     float values[reference::kNumParams];
     readValues (product, values);
+    const juce::ScopedNoDenormals flush;
     const bool transport = playHead.answers;
     engine->process (values, transport ? playHead.tempo : std::nullopt,
                      transport ? playHead.position : std::nullopt, wantLeft.data(),
@@ -118,6 +125,21 @@ bool Duel::process (std::vector<float>& left, std::vector<float>& right, int cha
         }
 
     return true;
+}
+
+float Duel::run (Noise& noise, int blocks, int length)
+{
+    float peak = 0.0f;
+
+    for (bool isSame = true; isSame && blocks > 0; --blocks)
+    {
+        auto left = noise.samples (length, 0.5f);
+        auto right = noise.samples (length, 0.5f);
+        isSame = process (left, right);
+        peak = std::ranges::max (left);
+    }
+
+    return peak;
 }
 
 void readValues (const VelkorAudioProcessor& processor, float (&values)[reference::kNumParams])
@@ -152,4 +174,11 @@ std::uint32_t Noise::bits() noexcept
     state ^= state >> 17;
     state ^= state << 5;
     return state;
+}
+
+std::vector<float> Noise::samples (int n, float level)
+{
+    std::vector<float> result (static_cast<std::size_t> (n));
+    std::generate (result.begin(), result.end(), [&] { return level * (*this)(); });
+    return result;
 }

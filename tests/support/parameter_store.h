@@ -7,28 +7,6 @@
 
 #include <utility>
 
-/** A processor that does nothing: somebody has to own the parameters. */
-class IdleProcessor : public juce::AudioProcessor
-{
-public:
-    const juce::String getName() const override { return "Idle"; }
-    void prepareToPlay (double, int) override {}
-    void releaseResources() override {}
-    void processBlock (juce::AudioBuffer<float>&, juce::MidiBuffer&) override {}
-    double getTailLengthSeconds() const override { return 0.0; }
-    bool acceptsMidi() const override { return false; }
-    bool producesMidi() const override { return false; }
-    juce::AudioProcessorEditor* createEditor() override { return nullptr; }
-    bool hasEditor() const override { return false; }
-    int getNumPrograms() override { return 1; }
-    int getCurrentProgram() override { return 0; }
-    void setCurrentProgram (int) override {}
-    const juce::String getProgramName (int) override { return {}; }
-    void changeProgramName (int, const juce::String&) override {}
-    void getStateInformation (juce::MemoryBlock&) override {}
-    void setStateInformation (const void*, int) override {}
-};
-
 /** A parameter store on a processor of its own, filled from the given layout. Message thread. */
 class ParameterStore
 {
@@ -45,6 +23,6 @@ public:
     }
 
     juce::ScopedJuceInitialiser_GUI framework;  ///< first: the store has a timer
-    IdleProcessor processor;
+    juce::AudioProcessorGraph processor;  ///< an empty one: somebody has to own the parameters
     juce::AudioProcessorValueTreeState state;
 };

@@ -5,72 +5,14 @@
 #include <algorithm>
 #include <cmath>
 
-#if defined(__SSE2__) || defined(_M_X64)
-#include <xmmintrin.h>
-#endif
-
 namespace reference
 {
-namespace
-{
-/** Flush-to-zero and denormals-are-zero until the scope ends. */
-class ScopedFlush
-{
-public:
-    ScopedFlush() : before (get()) { set (before | kMask); }
-    ~ScopedFlush() { set (before); }
-    ScopedFlush (const ScopedFlush&) = delete;
-    ScopedFlush& operator= (const ScopedFlush&) = delete;
-
-private:
-#if defined(__SSE2__) || defined(_M_X64)
-    static constexpr std::uint64_t kMask = 0x8040;
-    static std::uint64_t get()
-    {
-        return _mm_getcsr();
-    }
-    static void set (std::uint64_t mode)
-    {
-        _mm_setcsr (static_cast<unsigned int> (mode));
-    }
-#elif defined(__aarch64__)
-    static constexpr std::uint64_t kMask = 1u << 24;
-    static std::uint64_t get()
-    {
-        std::uint64_t mode = 0;
-        asm volatile("mrs %0, fpcr" : "=r"(mode));
-        return mode;
-    }
-    static void set (std::uint64_t mode)
-    {
-        asm volatile("msr fpcr, %0" : : "ri"(mode));
-    }
-#else
-#error "no way known to flush denormals on this processor"
-#endif
-
-    std::uint64_t before;
-};
-}  // namespace
-
 // The block
 
 void ReferenceEngine::process (const float (&params)[kNumParams], std::optional<double> tempo,
                                std::optional<double> ppq, float* ch0, float* ch1OrNull, int n)
 {
-    const ScopedFlush flush;
-
-    // By way of a volatile pointer: the compiler may not move the arithmetic out of the scope.
-    void (ReferenceEngine::*volatile block) (const float (&)[kNumParams], std::optional<double>,
-                                             std::optional<double>, float*, float*, int) =
-        &ReferenceEngine::processFlushed;
-    (this->*block) (params, tempo, ppq, ch0, ch1OrNull != nullptr ? ch1OrNull : ch0, n);
-}
-
-void ReferenceEngine::processFlushed (const float (&params)[kNumParams],
-                                      std::optional<double> tempo, std::optional<double> ppq,
-                                      float* ch0, float* ch1, int n)
-{
+    float* const ch1 = ch1OrNull != nullptr ? ch1OrNull : ch0;
     const double bpm = tempo.has_value() && *tempo > 0.0 ? *tempo : 120.0;
     const double position = ppq.has_value() && std::isfinite (*ppq) ? *ppq : 0.0;
 
@@ -162,14 +104,9 @@ float lfoRateNormOf (float a)
     return std::log (a / 0.01f) / 6.9077554f;
 }
 
-void setFilterBlock (FilterMultimode& filter, float reso, float mode)
+void setFilterBlock (FilterMultimode& filter, float reso, float m)
 {
-    filter.reso = reso;
     filter.q = static_cast<double> (reso) * 0.1;
-    ReferenceEngine::setDamp (filter);
-    filter.mode = mode;
-
-    const float m = filter.mode;
     filter.notchMix = 0.0f;
     filter.lowMix = 0.0f;
     filter.bandMix = 0.0f;
@@ -286,8 +223,6 @@ void ReferenceEngine::writeSnapshot (const float (&p)[kNumParams])
     lfoRate2 = p[19];
     lfoRateNorm1 = lfoRateNormOf (p[18]);
     lfoRateNorm2 = lfoRateNormOf (p[19]);
-    lfoMod1 = p[20];
-    lfoMod2 = p[21];
     lfoSync1 = isOn (p[22]);
     lfoSync2 = isOn (p[23]);
     lfo2Reset = isOn (p[44]);
@@ -384,21 +319,8 @@ void ReferenceEngine::routeModulation()
     modDests.fill (0.0f);
 
     for (const ModRoute& r : routes)
-    {
-        const float v = modSources[static_cast<std::size_t> (r.source)] * r.gain;
-        modDests[static_cast<std::size_t> (r.dest)] += v;
-    }
-}
-
-void ReferenceEngine::setLfoRate (GenLFO& lfo, float rate) const
-{
-    const float f = 4.0f * rate;
-
-    if (f != lfo.freq)
-    {
-        lfo.freq = f;
-        lfo.phaseIncrement = f * globals.reciprocal;
-    }
+        modDests[static_cast<std::size_t> (r.dest)] +=
+            modSources[static_cast<std::size_t> (r.source)];
 }
 
 void ReferenceEngine::tick()
@@ -422,11 +344,9 @@ void ReferenceEngine::tick()
 
     const float x1 = limited (0.0f, 1.0f, filterFreqNorm1 + filterMod1 * modDests[4]);
     const float x2 = limited (0.0f, 1.0f, filterFreqNorm2 + filterMod2 * modDests[5]);
-    freqLookup.output = tableLookup (freqLookup.size, freqLookup.table.data(), x1);
-    setCoef (filter1, freqLookup.output);
+    setCoef (filter1, tableLookup (freqTable, x1));
     setDamp (filter1);
-    freqLookup.output = tableLookup (freqLookup.size, freqLookup.table.data(), x2);
-    setCoef (filter2, freqLookup.output);
+    setCoef (filter2, tableLookup (freqTable, x2));
     setDamp (filter2);
 
     delay1.readRate = limited (0.5f, 1.5f, fine1 + delayMod1 * modDests[0]);
@@ -434,16 +354,13 @@ void ReferenceEngine::tick()
     delay2.readRate = limited (0.5f, 1.5f, fine2 + delayMod2 * modDests[1]);
     delay2.writeRate = delay2.readRate;
 
-    setLfoRate (lfo1, atLeast (0.01f, lfoRate1 + lfoMod1 * modDests[2]));
-    setLfoRate (lfo2, atLeast (0.01f, lfoRate2 + lfoMod2 * modDests[3]));
-
+    // The destinations 2 and 3, the LFOs' rates, reach nothing.
     kill = rampTick (killRamp, killTarget);
 }
 
 void ReferenceEngine::updateEnvelope()
 {
     const float x = envSum;
-    envelope.envInput = x;
     const float c = x <= envelope.envState ? envelope.decayCoef : envelope.attackCoef;
     envelope.envState = x + (envelope.envState - x) * c;
     modSources[0] = envelope.envState * envSensitivity;

@@ -11,7 +11,6 @@ namespace reference
 void Globals::setRate (double newRate)
 {
     rate = static_cast<float> (newRate);
-    reciprocal = 1.0f / rate;
     samplesPerMillisecond = 0.001f * rate;
 }
 
@@ -21,11 +20,6 @@ ReferenceEngine::ReferenceEngine (Globals& globalsOfTheProcess) : globals (globa
 {
     constructDelay (delay1);
     constructDelay (delay2);
-
-    setCoef (filter1, 1000.0f);
-    setCoef (filter2, 1000.0f);
-    setDamp (filter1);
-    setDamp (filter2);
 
     router_panner_1to2_init (panner1);
     router_panner_1to2_init (panner2);
@@ -38,14 +32,13 @@ ReferenceEngine::ReferenceEngine (Globals& globalsOfTheProcess) : globals (globa
         const auto count = static_cast<std::uint64_t> (truncated (0.001f * globals.rate));
         ramp->upCount = count == 0 ? 1 : count;
         ramp->downCount = ramp->upCount;
-        ramp->reciprocal = 1.0f / static_cast<float> (ramp->upCount);
     }
 
     for (int i = 0; i < 1024; ++i)
-        freqLookup.table[static_cast<std::size_t> (i)] =
+        freqTable[static_cast<std::size_t> (i)] =
             static_cast<float> (40.0 * std::exp2 (i / 1023.0 * kLn450 / 0.6931471805599453));
 
-    freqLookup.table[1024] = freqLookup.table[1023];
+    freqTable[1024] = freqTable[1023];
 
     connect (0, 0, true);
     connect (1, 1, true);
@@ -73,12 +66,6 @@ void ReferenceEngine::prepare (double rate)
     sampleRate = rate;
     globals.setRate (rate);
 
-    for (FilterMultimode* filter : { &filter1, &filter2 })
-    {
-        setCoef (*filter, filter->freq);
-        setDamp (*filter);
-    }
-
     resizeDelay (delay1);
     resizeDelay (delay2);
 
@@ -86,11 +73,6 @@ void ReferenceEngine::prepare (double rate)
     rampSetRate (gateRamp);
 
     updateEnvelopeCoefs();
-
-    for (GenLFO* lfo : { &lfo1, &lfo2 })
-        if (std::isnan (lfo->freq))
-            lfo->phaseIncrement = lfo->freq * globals.reciprocal;
-
     clearSignalState();
 }
 
@@ -123,8 +105,6 @@ void ReferenceEngine::updateEnvelopeCoefs()
 
     envelope.attackCoef = coefOf (envelope.attackTime);
     envelope.decayCoef = coefOf (envelope.decayTime);
-    envelope.attackCoefInverse = 1.0f - envelope.attackCoef;
-    envelope.decayCoefInverse = 1.0f - envelope.decayCoef;
 }
 
 void ReferenceEngine::clearDelay (DelayFad& line) const
@@ -146,7 +126,6 @@ void ReferenceEngine::clearSignalState()
         filter->high = 0.0;
         filter->band = 0.0;
         filter->notch = 0.0;
-        filter->damp = 0.0;
     }
 
     envelope.envState = 0.0f;
@@ -161,10 +140,10 @@ void ReferenceEngine::clearSignalState()
 
 // Helpers of the tick
 
-float ReferenceEngine::tableLookup (std::int32_t size, const float* table, float x)
+float ReferenceEngine::tableLookup (const std::array<float, 1025>& table, float x)
 {
-    const float p = static_cast<float> (size - 1) * x;
-    const std::int64_t i = truncated (p);
+    const float p = 1023.0f * x;
+    const auto i = static_cast<std::size_t> (truncated (p));
     const float f = p - static_cast<float> (i);
     const double first = (1.0 - static_cast<double> (f)) * static_cast<double> (table[i]);
     const float second = f * table[i + 1];
@@ -222,7 +201,6 @@ void ReferenceEngine::rampSetRate (RampGenerator& ramp) const
     else if (target > ramp.value)
     {
         ramp.remaining = ramp.upCount;
-        ramp.reciprocal = 1.0f / static_cast<float> (ramp.upCount);
         ramp.step = (target - ramp.value) / static_cast<double> (ramp.upCount);
     }
 }
@@ -240,52 +218,23 @@ void ReferenceEngine::connect (int source, int destination, bool on)
     if (static_cast<unsigned> (destination) >= 10 || static_cast<unsigned> (source) >= 8)
         return;
 
-    connected[static_cast<std::size_t> (source + 8 * destination)] = on;
-    FilterMultimode* filter = destination == 4 ? &filter1 : destination == 5 ? &filter2 : nullptr;
     std::size_t place = 0;
-    auto count = static_cast<std::size_t> (connectionCount);
+    const auto count = static_cast<std::size_t> (connectionCount);
 
     while (place < count && (connSource[place] != source || connDest[place] != destination))
         ++place;
 
-    if (on)
+    if (on && place == count)
     {
-        if (place < count)
-            return;
-
         connSource[count] = source;
         connDest[count] = destination;
         ++connectionCount;
-
-        if (filter != nullptr)
-        {
-            filter->active = 1;
-            setDamp (*filter);
-        }
-
-        return;
     }
-
-    if (place < count)
+    else if (! on && place < count)
     {
-        --count;
         --connectionCount;
-        connSource[place] = connSource[count];
-        connDest[place] = connDest[count];
-    }
-
-    if (filter != nullptr)
-    {
-        bool isFed = false;
-
-        for (std::size_t i = 0; i < count; ++i)
-            isFed = isFed || connDest[i] == destination;
-
-        if (! isFed)
-        {
-            filter->active = 0;
-            setDamp (*filter);
-        }
+        connSource[place] = connSource[count - 1];
+        connDest[place] = connDest[count - 1];
     }
 }
 
@@ -294,24 +243,14 @@ void ReferenceEngine::route (int source, int dest, bool on)
     if (static_cast<unsigned> (dest) >= 10 || static_cast<unsigned> (source) >= 6)
         return;
 
-    modGrid[static_cast<std::size_t> (10 * source + dest)] = on;
     const auto found =
         std::find_if (routes.begin(), routes.end(),
                       [=] (const ModRoute& r) { return r.source == source && r.dest == dest; });
 
-    if (! on)
-    {
-        if (found != routes.end())
-            routes.erase (found);
-    }
-    else if (found != routes.end())
-    {
-        found->gain = 1.0f;
-    }
-    else
-    {
-        routes.push_back ({ source, dest, 1.0f });
-    }
+    if (on && found == routes.end())
+        routes.push_back ({ source, dest });
+    else if (! on && found != routes.end())
+        routes.erase (found);
 }
 
 // MIDI

@@ -19,11 +19,10 @@ inline constexpr std::size_t kNumParams = 57;
 struct Globals
 {
     float rate = 44100.0f;                ///< gAudioSamplingRate, Hz
-    float reciprocal = 1.0f / 44100.0f;   ///< gAudioSamplingRateReciprocal
     float samplesPerMillisecond = 44.1f;  ///< gSamplesPerMillisecond; 0.001f * rate only once set
     float renormal = 1e-15f;              ///< of the filters; its sign flips at every filter call
 
-    /** As the preparing of any engine of the process sets the first three. */
+    /** As the preparing of any engine of the process sets the first two. */
     void setRate (double newRate);
 };
 
@@ -51,39 +50,28 @@ struct DelayFad
 /** State-variable filter, two passes a sample. */
 struct FilterMultimode
 {
-    float freq = 1000.0f;
-    float reso = 0.0f;
     double coef = 0.0;
     double q = 0.0;
     double damp = 0.0;
     double low = 0.0, high = 0.0, band = 0.0, notch = 0.0;
-    float mode = 0.0f;
     float lowMix = 0.0f, highMix = 0.0f, bandMix = 0.0f, notchMix = 1.0f;
     float out = 0.0f;
-    std::int32_t active = 0;
 };
 
 /** Pan stage with a table of sine squared. */
 struct RouterPanner1to2
 {
-    float pan = 0.5f;
-    float mode = 0.0f;
-    std::int32_t size = 1024;
     std::array<float, 1025> table {};
-    float lookup = 0.0f;
     float gainL = 0.0f, gainR = 0.0f;
     float outL = 0.0f, outR = 0.0f;
 };
 
 struct GenLFO
 {
-    float freq = 0.0f;       ///< four times the modulated rate; reaches nothing
     std::uint16_t kind = 0;  ///< 0 sine, 1 square, 2 triangle, 3 random
     float skew = 0.001f;
     float shapeA = 0.1996f;
     float shapeB = 0.0f;
-    float phase = 0.0f;           ///< never used
-    float phaseIncrement = 0.0f;  ///< never read
     std::array<float, 512> table {};
     std::int64_t randomState = 3321;
     float lastPhase = 999.0f;
@@ -96,9 +84,7 @@ struct EnvelopeFollower
 {
     float attackTime = 0.0f, decayTime = 0.0f;  ///< half the seconds of the parameters
     float attackCoef = 0.0f, decayCoef = 0.0f;
-    float attackCoefInverse = 1.0f, decayCoefInverse = 1.0f;
     float envState = 0.0f;
-    float envInput = 0.0f;
 };
 
 /** Linear ramp that moves once a tick though its counts are reckoned in samples. */
@@ -109,14 +95,6 @@ struct RampGenerator
     std::uint64_t upCount = 0, downCount = 0;
     double value = 0.0, step = 0.0;
     std::uint64_t remaining = 0;
-    float reciprocal = 0.0f;  ///< 1 / upCount, never read
-    float output = 0.0f;
-};
-
-struct FreqLookup
-{
-    std::int32_t size = 1024;
-    std::array<float, 1025> table {};
     float output = 0.0f;
 };
 
@@ -124,7 +102,6 @@ struct ModRoute
 {
     std::int32_t source = 0;
     std::int32_t dest = 0;
-    float gain = 1.0f;
 };
 
 /** One LFO's course through a block. */
@@ -156,13 +133,13 @@ struct ReferenceEngine
     void midi (std::uint8_t b0, std::uint8_t b1, std::uint8_t b2);
 
     /** One block of n samples in place, n may be 0. The parameters stand in the order of the
-        catalogue, in real units; ch1OrNull is null for a one-channel buffer. Flushes denormals
-        while it runs. */
+        catalogue, in real units; ch1OrNull is null for a one-channel buffer. The caller flushes
+        denormals meanwhile. */
     void process (const float (&params)[kNumParams], std::optional<double> tempo,
                   std::optional<double> ppq, float* ch0, float* ch1OrNull, int n);
 
-    // Stages, callable on their own. None but process flushes denormals.
-    static float tableLookup (std::int32_t size, const float* table, float x);
+    // Stages, callable on their own.
+    static float tableLookup (const std::array<float, 1025>& table, float x);
     static float rampTick (RampGenerator&, float x);
     static int syncBeatIndex (float t);
     static float feedbackShaped (float feedback, float x);
@@ -185,19 +162,17 @@ struct ReferenceEngine
     GenLFO lfo1, lfo2;
     EnvelopeFollower envelope;
     RampGenerator killRamp, gateRamp;
-    FreqLookup freqLookup;
+    std::array<float, 1025> freqTable {};
 
     std::vector<ModRoute> routes;  ///< in the order in which they were made
     std::array<float, 6> modSources {};
     std::array<float, 10> modDests {};
-    std::array<bool, 60> modGrid {};  ///< at 10 * source + dest
 
     std::array<float, 8> signalSources {};
     std::array<float, 10> signalDests {};
     std::array<std::int32_t, 80> connSource {};
     std::array<std::int32_t, 80> connDest {};
     std::int32_t connectionCount = 0;
-    std::array<bool, 80> connected {};  ///< at source + 8 * destination
 
     float inputGain = 1.0f;
     bool mono = false;
@@ -210,7 +185,6 @@ struct ReferenceEngine
     bool delaySync1 = false, delaySync2 = false;
     float fine1 = 1.0f, fine2 = 1.0f, delayMod1 = 0.0f, delayMod2 = 0.0f;
     float lfoRate1 = 1.0f, lfoRate2 = 1.0f, lfoRateNorm1 = 0.5f, lfoRateNorm2 = 0.5f;
-    float lfoMod1 = 0.0f, lfoMod2 = 0.0f;
     bool lfoSync1 = false, lfoSync2 = false, lfo2Reset = false;
     double lfoPhase1 = 0.0, lfoPhase2 = 0.0;
     float filterFreqNorm1 = 0.8f, filterFreqNorm2 = 0.8f, filterMod1 = 0.0f, filterMod2 = 0.0f;
@@ -238,8 +212,6 @@ private:
     void updateEnvelopeCoefs();
     void clearDelay (DelayFad&) const;
     void clearSignalState();
-    void processFlushed (const float (&params)[kNumParams], std::optional<double> tempo,
-                         std::optional<double> ppq, float* ch0, float* ch1, int n);
     void writeSnapshot (const float (&params)[kNumParams]);
     void setDelayTime (DelayFad&, bool sync, std::int32_t mult, float timeNorm, float time,
                        double bpm) const;
@@ -247,7 +219,6 @@ private:
                        double ppq, int n) const;
     void stepPhases();
     void routeModulation();
-    void setLfoRate (GenLFO&, float rate) const;
     void tick();
     void sample (float& ch0, float& ch1);
     void updateEnvelope();

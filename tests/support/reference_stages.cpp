@@ -144,7 +144,6 @@ void ReferenceEngine::delay_fad_dsp (DelayFad& line, float in)
 
 void ReferenceEngine::setCoef (FilterMultimode& filter, float freq) const
 {
-    filter.freq = freq;
     const auto twiceRate = static_cast<double> (globals.rate + globals.rate);
     filter.coef = std::min (0.25, 2.0 * std::sin (kPi * static_cast<double> (freq) / twiceRate));
 }
@@ -191,8 +190,6 @@ void ReferenceEngine::filter_multimode_dsp_morph (FilterMultimode& filter, float
 
 void ReferenceEngine::router_panner_1to2_init (RouterPanner1to2& panner)
 {
-    panner.size = 1024;
-
     for (int i = 0; i < 1024; ++i)
     {
         const auto position = static_cast<double> (static_cast<float> (i) / 1023.0f);
@@ -201,21 +198,12 @@ void ReferenceEngine::router_panner_1to2_init (RouterPanner1to2& panner)
     }
 
     panner.table[1024] = panner.table[1023];
-    panner.lookup = 0.5f * panner.table[511] + 0.5f * panner.table[512];
-    panner.gainR = panner.lookup;
-    panner.gainL = 1.0f - panner.lookup;
-    panner.pan = 0.5f;
-    panner.mode = 0.0f;
-    panner.outL = 0.0f;
-    panner.outR = 0.0f;
 }
 
 void ReferenceEngine::setPan (RouterPanner1to2& panner, float p)
 {
-    panner.pan = p;
-    panner.lookup = tableLookup (panner.size, panner.table.data(), p);
-    panner.gainR = panner.lookup;
-    panner.gainL = 1.0f - panner.lookup;
+    panner.gainR = tableLookup (panner.table, p);
+    panner.gainL = 1.0f - panner.gainR;
 }
 
 // LFO
@@ -285,12 +273,6 @@ float ReferenceEngine::gen_LFO_dsp_phasor (GenLFO& lfo, double phase)
         break;
     case 3:
         lfo.output = randomValue (lfo, p);
-        break;
-    case 71:
-        lfo.output = p < 0.5f ? 1.0f : -1.0f;
-        break;
-    case 72:
-        lfo.output = p < 0.5f ? 2.0f * p - 1.0f : 1.0f - 2.0f * p;
         break;
     default:
         break;

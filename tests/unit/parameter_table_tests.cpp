@@ -131,18 +131,6 @@ TEST (ParameterTable, EverythingTheHostCanAskAParameterIsAsInTheReference)
         EXPECT_EQ (actual[i], expected[i]) << "near " << expected[i - i % 4];
 }
 
-TEST (ParameterTable, NumbersStandWherePairsEndAndSinglesBegin)
-{
-    EXPECT_EQ (Delay1Time, 0);
-    EXPECT_EQ (Delay2Multiplier, 17);
-    EXPECT_EQ (LFO1Rate, 18);
-    EXPECT_EQ (Filter1Freq, 28);
-    EXPECT_EQ (Pan2Mod, 43);
-    EXPECT_EQ (LFO2Reset, 44);
-    EXPECT_EQ (DryLevel, 52);
-    EXPECT_EQ (PhaseInvert2, 56);
-}
-
 TEST (ParameterTable, IdIsFoundByItsExactTextOnly)
 {
     for (int i = 0; i < kNumParameters; ++i)
