@@ -4,9 +4,24 @@
 #include "browser/zb_PresetManager.h"
 #include "state/state_fixture.h"
 
+#include <functional>
 #include <memory>
-#include <string>
-#include <vector>
+#include <utility>
+
+/** Looks at something from the message loop, again and again. */
+class Onlooker : public juce::Timer
+{
+public:
+    explicit Onlooker (std::function<void()> lookAtIt) : look (std::move (lookAtIt))
+    {
+        startTimer (5);
+    }
+
+    void timerCallback() override { look(); }
+
+private:
+    const std::function<void()> look;
+};
 
 /** A browser on a folder of the test's own making. */
 class BrowserTest : public StateTest
