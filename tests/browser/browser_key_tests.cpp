@@ -51,15 +51,26 @@ TEST_F (BrowserWindowKeys, ArrowsWalkTheColumnsAndLoadWhatTheyReach)
     EXPECT_TRUE (browser().isVisible());
 }
 
-TEST_F (BrowserWindowKeys, ReturnClosesFromAListAndFromThePanel)
+TEST_F (BrowserWindowKeys, ReturnClosesFromAListAndFromThePanelButNotWithAModifier)
 {
     show();
+
+    for (const auto modifier :
+         { juce::ModifierKeys::shiftModifier, juce::ModifierKeys::ctrlModifier,
+           juce::ModifierKeys::altModifier })
+    {
+        juce::ModifierKeys::currentModifiers = modifier;  // as the system's events leave them
+        key (juce::KeyPress::returnKey, 0, modifier);
+        EXPECT_FALSE (browser().keyPressed ({ juce::KeyPress::escapeKey, modifier, 0 }));
+    }
+
+    juce::ModifierKeys::currentModifiers = {};
+    EXPECT_FALSE (juce::Desktop::getInstance().getAnimator().isAnimating (manager.get()));
     key (juce::KeyPress::downKey);
     key (juce::KeyPress::returnKey);
     EXPECT_TRUE (hasClosed());
     EXPECT_EQ (delay(), 22.0f);
 
-    processor.currentProgram = 99;
     browser().rebuildAndReopen ({});
     processor.currentProgram = 99;
     reopen();
@@ -67,55 +78,6 @@ TEST_F (BrowserWindowKeys, ReturnClosesFromAListAndFromThePanel)
     EXPECT_EQ (focusedColumn(), 0);
     key (juce::KeyPress::returnKey);
     EXPECT_TRUE (hasClosed());
-
-    // With a modifier, these are other keys.
-    EXPECT_FALSE (
-        browser().keyPressed ({ juce::KeyPress::returnKey, juce::ModifierKeys::shiftModifier, 0 }));
-    EXPECT_FALSE (
-        browser().keyPressed ({ juce::KeyPress::escapeKey, juce::ModifierKeys::ctrlModifier, 0 }));
-    EXPECT_FALSE (browser().keyPressed (juce::KeyPress ('x')));
-    EXPECT_FALSE (browser().getColumn (0)->keyPressed (
-        { juce::KeyPress::rightKey, juce::ModifierKeys::altModifier, 0 }));
-}
-
-TEST_F (BrowserWindowKeys, ReturnWithAModifierIsAnotherKeyOnARowToo)
-{
-    show();
-    EXPECT_EQ (focusedColumn(), 2);
-
-    for (const auto modifier :
-         { juce::ModifierKeys::shiftModifier, juce::ModifierKeys::ctrlModifier,
-           juce::ModifierKeys::altModifier })
-    {
-        juce::ModifierKeys::currentModifiers = modifier;  // as the system's events leave them
-        EXPECT_FALSE (window.getPeer()->handleKeyPress (
-            juce::KeyPress (juce::KeyPress::returnKey, modifier, 0)));
-        EXPECT_TRUE (browser().isVisible());
-    }
-
-    juce::ModifierKeys::currentModifiers = {};
-    key (juce::KeyPress::returnKey);
-    EXPECT_TRUE (hasClosed());
-}
-
-TEST_F (BrowserWindowKeys, TheTabKeyReachesTheDownloadOnlyWhereItIsOffered)
-{
-    for (const bool offered : { false, true })
-    {
-        processor.factoryContentOffered = offered;
-        show();
-        bool reached = false;
-
-        for (const auto modifiers :
-             { juce::ModifierKeys(), juce::ModifierKeys (juce::ModifierKeys::shiftModifier) })
-            for (int i = 0; i < 20; ++i)
-            {
-                key (juce::KeyPress::tabKey, 0, modifiers);
-                reached |= browser().buttons[kDownloadCommand]->hasKeyboardFocus (false);
-            }
-
-        EXPECT_EQ (reached, offered);
-    }
 }
 
 TEST_F (BrowserWindowKeys, SaveByTyping)
