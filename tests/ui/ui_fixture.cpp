@@ -120,3 +120,13 @@ juce::Component* childTitled (const juce::Component& parent, const juce::String&
 
     return nullptr;
 }
+
+bool samePixels (const juce::Image& a, const juce::Image& b)
+{
+    for (int y = 0; y < a.getHeight(); ++y)
+        for (int x = 0; x < a.getWidth(); ++x)
+            if (a.getPixelAt (x, y) != b.getPixelAt (x, y))
+                return false;
+
+    return true;
+}
