@@ -161,16 +161,3 @@ TEST_F (BrowserDownload, EndsWithTheBrowser)
     stopping = true;
     server.reset();
 }
-
-TEST_F (BrowserDownload, PanelTellsHowFarItIs)
-{
-    open();
-    zb_PresetManagerDownloadPanel panel (browser());
-    zb_PresetManagerDownloadListener listener;
-    listener.progress (nullptr, 42, 100);
-    panel.updatePanel ("Downloading", listener.fraction, false);
-    EXPECT_EQ (panel.message, "Downloading  42%");
-    listener.progress (nullptr, 42, 0);  // no length told: no useful value, but a number
-    panel.updatePanel ("Downloading", listener.fraction, false);
-    EXPECT_EQ (panel.message, "Downloading  0%");
-}

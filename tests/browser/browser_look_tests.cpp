@@ -86,31 +86,4 @@ TEST_F (BrowserLooks, OverlaysCoverTheMiddle)
     browser().buttonClicked (browser().buttons[kSaveCommand].get());
     EXPECT_GT (share (picture(), middle.translated (0, 25), juce::Colours::black), 0.7);
     browser().removeSaveWindow();
-
-    // The line of the progress: full to the half, faint behind it; its edges are soft.
-    browser().downloadPanel = std::make_unique<zb_PresetManagerDownloadPanel> (browser());
-    browser().addAndMakeVisible (*browser().downloadPanel);
-    browser().resized();
-    browser().downloadPanel->updatePanel ("Downloading", 0.5f, false);
-    const auto done = picture().getPixelAt (270 + 100, 135 + 90);
-    const auto rest = picture().getPixelAt (270 + 300, 135 + 90);
-    EXPECT_GT (done.getBlue(), 180);
-    EXPECT_LT (rest.getBlue(), 90);
-}
-
-TEST_F (BrowserLooks, ADragOutlinesTheFolderButNoPreset)
-{
-    open();
-    auto* const column = browser().getColumn (0);
-    const auto hover = [&] (int row)
-    {
-        const auto point = partOfRow (row, 4.0f, 5.0f).getCentre() - column->getPosition();
-        column->itemDragEnter ({ "x", column, point });
-        const auto image = picture();
-        column->itemDragExit ({ "x", column, point });
-        return share (image, partOfRow (row, 4.0f, -4.0f).removeFromTop (4),
-                      juce::Colour (0xff50d2d7));
-    };
-    EXPECT_NEAR (hover (0), 0.5, 0.1);
-    EXPECT_EQ (hover (1), 0.0);
 }

@@ -118,12 +118,6 @@ void BrowserWindow::key (int keyCode, juce::juce_wchar character, juce::Modifier
     window.getPeer()->handleKeyPress (juce::KeyPress (keyCode, mods, character));
 }
 
-void BrowserWindow::type (const juce::String& text)
-{
-    for (const auto character : text)
-        key (static_cast<int> (character), character);
-}
-
 int BrowserWindow::focusedColumn() const
 {
     for (int i = 0; i < manager->columns.size(); ++i)
