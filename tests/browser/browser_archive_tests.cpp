@@ -31,21 +31,15 @@ protected:
         return unpackArchive (put (entries), homeFile ("out"));
     }
 
-    /** All that is below a folder, with the contents of the files, links as "name>target". */
+    /** All that is below a folder, with the contents of the files. */
     static juce::String contents (const juce::File& top)
     {
         juce::StringArray texts;
 
         for (const auto& file : top.findChildFiles (juce::File::findFilesAndDirectories, true, "*",
                                                     juce::File::FollowSymlinks::no))
-        {
-            const auto path = file.getRelativePathFrom (top);
-
-            if (file.isSymbolicLink())
-                texts.add (path + ">" + file.getNativeLinkedTarget());
-            else
-                texts.add (path + (file.isDirectory() ? "/" : "=" + file.loadFileAsString()));
-        }
+            texts.add (file.getRelativePathFrom (top) +
+                       (file.isDirectory() ? "/" : "=" + file.loadFileAsString()));
 
         texts.sort (false);
         return texts.joinIntoString (" ");
@@ -174,9 +168,9 @@ TEST_F (BrowserArchives, ImportUnpacksIntoTheSelectedFolderAndShowsIt)
     browser().importFile (homeFile ("Pack.zip"));
     EXPECT_EQ (rows (0), "A|Pack");
 
+    // Any other extension is none, and a name of dots would be the folder itself, or the one above.
     ASSERT_TRUE (homeFile ("x").createDirectory());
 
-    // Any other extension is none, and a name of dots would be the folder itself, or the one above.
     for (const auto* name : { "Third.Zip", "..zip", "...zip" })
     {
         const auto archive = homeFile ("x").getChildFile (juce::String ("./") + name);
@@ -281,7 +275,7 @@ TEST_F (BrowserArchives, ExportPacksAFolderWithAllThatIsInIt)
     // A link that leads back up is gone round no more than once.
     link ("Lib/Set/up", lib());
     EXPECT_EQ (exportFolder (lib ("Set")), archive);
-    EXPECT_LT (juce::ZipFile (archive).getNumEntries(), 20);
+    EXPECT_LT (juce::ZipFile (archive).getNumEntries(), 10);
     EXPECT_TRUE (archive.deleteFile());
 }
 

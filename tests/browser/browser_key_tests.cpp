@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "browser/browser_window_fixture.h"
 
-#include <initializer_list>
-
 class BrowserWindowKeys : public BrowserWindow
 {
 protected:
@@ -78,29 +76,4 @@ TEST_F (BrowserWindowKeys, ReturnClosesFromAListAndFromThePanelButNotWithAModifi
     EXPECT_EQ (focusedColumn(), 0);
     key (juce::KeyPress::returnKey);
     EXPECT_TRUE (hasClosed());
-}
-
-TEST_F (BrowserWindowKeys, EveryControlHasANameForScreenReaders)
-{
-    show();
-    click (on (*browser().buttons[kSaveCommand]));
-    EXPECT_TRUE (browser().saveWindow->nameEditor.hasKeyboardFocus (true));
-    click (onRow (0, "Zero"));
-    browser().buttonClicked (browser().buttons[kDeleteCommand].get());
-    int controls = 0;
-
-    for (auto* const parent : std::initializer_list<juce::Component*> {
-             &browser(), browser().getColumn (0), browser().saveWindow.get(),
-             browser().deleteWindow.get() })
-        for (auto* const child : parent->getChildren())
-            if (dynamic_cast<juce::Button*> (child) != nullptr ||
-                dynamic_cast<juce::ListBox*> (child) != nullptr ||
-                dynamic_cast<juce::TextEditor*> (child) != nullptr)
-            {
-                ++controls;
-                const auto title = child->getAccessibilityHandler()->getTitle();
-                EXPECT_FALSE (title.containsOnly ("0123456789")) << child->getName();
-            }
-
-    EXPECT_EQ (controls, 9 + 1 + 4 + 2);
 }

@@ -73,17 +73,3 @@ TEST_F (BrowserLooks, AFavouriteHasAGoldStarAndALongNameEndsBeforeIt)
         EXPECT_EQ (share (picture(), partOfRow (kLong, -3.0f, -2.7f), kGround), 1.0);
     }
 }
-
-TEST_F (BrowserLooks, OverlaysCoverTheMiddle)
-{
-    open();
-    select (0, "Init");
-    const auto middle = browser().getLocalBounds().withSizeKeepingCentre (260, 20);
-    EXPECT_EQ (share (picture(), middle, juce::Colours::black), 0.0);
-    browser().buttonClicked (browser().buttons[kDeleteCommand].get());
-    EXPECT_GT (share (picture(), middle, juce::Colours::black), 0.7);
-    browser().removeDeleteWindow();
-    browser().buttonClicked (browser().buttons[kSaveCommand].get());
-    EXPECT_GT (share (picture(), middle.translated (0, 25), juce::Colours::black), 0.7);
-    browser().removeSaveWindow();
-}
