@@ -11,18 +11,6 @@
 namespace
 {
 
-/** The child of that component name; fails the test without one. */
-template <typename Component>
-Component& named (juce::Component& parent, const juce::String& name)
-{
-    for (auto* child : parent.getChildren())
-        if (child->getName() == name)
-            if (auto* found = dynamic_cast<Component*> (child))
-                return *found;
-
-    throw std::runtime_error ("no child " + name.toStdString());
-}
-
 struct Editor : testing::Test
 {
     Editor()
@@ -37,10 +25,17 @@ struct Editor : testing::Test
         editor = std::make_unique<VelkorAudioProcessorEditor> (processor, processor.parameterTree);
     }
 
-    void click (const juce::String& button)
+    /** The button of that component name. */
+    juce::Button& button (const juce::String& name) const
     {
-        editor->buttonClicked (&named<juce::TextButton> (*editor, button));
+        for (auto* child : editor->getChildren())
+            if (child->getName() == name)
+                return dynamic_cast<juce::Button&> (*child);
+
+        throw std::runtime_error ("no button " + name.toStdString());
     }
+
+    void click (const juce::String& name) { editor->buttonClicked (&button (name)); }
 
     VelkorAudioProcessor processor;
     std::unique_ptr<VelkorAudioProcessorEditor> editor;
@@ -66,15 +61,14 @@ TEST_F (Editor, OpensAtTheStoredWidthAndThreeQuartersOfItHigh)
     processor.uiWidth = 0;
     open();
     EXPECT_EQ (editor->getBounds(), juce::Rectangle<int>());
-    const auto& bypass = named<juce::TextButton> (*editor, "BYPASS");
+    const auto& bypass = button ("BYPASS");
     EXPECT_EQ (bypass.getBounds(), juce::Rectangle<int>());
     editor->setSize (600, 450);
     EXPECT_EQ (bypass.getWidth(), 31);
 
     // An odd width: everything is cut toward zero.
     editor->setSize (733, 550);
-    EXPECT_EQ (named<juce::TextButton> (*editor, "ABOUT").getBounds(),
-               juce::Rectangle<int> (14, 10, 73, 21));
+    EXPECT_EQ (button ("ABOUT").getBounds(), juce::Rectangle<int> (14, 10, 73, 21));
     EXPECT_EQ (childOf<juce::ResizableCornerComponent> (*editor)->getBounds(),
                juce::Rectangle<int> (719, 536, 14, 14));
     EXPECT_EQ (editor->getConstrainer()->getMinimumWidth(), 600);
@@ -139,7 +133,7 @@ TEST_F (Editor, RepaintsBothGridsOnEveryTick)
 
 TEST_F (Editor, BypassAndKillAreOneSwitch)
 {
-    auto& bypass = named<juce::TextButton> (*editor, "BYPASS");
+    auto& bypass = button ("BYPASS");
     bypass.setToggleState (true, juce::sendNotificationSync);
     EXPECT_EQ (valueOf (processor, Kill), 1.0f);
     Pointer (*childTitled (*childOf<VelkorPanel> (*editor), "Kill")).press (5.0f);
@@ -248,8 +242,7 @@ TEST_F (Editor, ShowsToolTipsOnlyWhereTheMachineWantsThemAndTellsScreenReadersAl
 
     for (const auto* name : { "ABOUT", "FAVORITE", "BYPASS", "UNDO", "REDO" })
     {
-        const auto& button = named<juce::TextButton> (*editor, name);
-        EXPECT_FALSE (button.getTitle().isEmpty()) << name;
-        EXPECT_FALSE (button.getDescription().isEmpty()) << name;
+        EXPECT_FALSE (button (name).getTitle().isEmpty()) << name;
+        EXPECT_FALSE (button (name).getDescription().isEmpty()) << name;
     }
 }

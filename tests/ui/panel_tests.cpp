@@ -29,32 +29,35 @@ struct Panel : testing::Test
 
 }  // namespace
 
-TEST_F (Panel, HasOneControlForEveryParameterAndNothingToSpare)
+TEST_F (Panel, HasOneControlForEveryParameterThatReachesIt)
 {
     std::map<juce::String, int> controls;
-    int labels = 0, others = 0;
 
     for (auto* child : panel.getChildren())
     {
-        if (dynamic_cast<ValueLabel*> (child) != nullptr)
-            ++labels;
-        else if (dynamic_cast<VelkorControl*> (child) != nullptr)
-            ++controls[child->getTitle()];
-        else
-            ++others;
-
         EXPECT_TRUE (child->isVisible());
         EXPECT_FALSE (child->getTitle().isEmpty());
         EXPECT_FALSE (child->getDescription().isEmpty()) << child->getTitle();
-    }
 
-    EXPECT_EQ (panel.getNumChildComponents(), 84);
-    EXPECT_EQ (labels, 24);
-    EXPECT_EQ (others, 3);
-    ASSERT_EQ (controls.size(), static_cast<std::size_t> (kNumParameters));
+        if (dynamic_cast<VelkorControl*> (child) == nullptr ||
+            dynamic_cast<ValueLabel*> (child) != nullptr)
+            continue;
+
+        ++controls[child->getTitle()];
+        const auto& parameter = *processor.parameterTree.getParameter (child->getTitle());
+        const auto far = parameter.getValue() > 0.5f ? 0.0f : 1.0f;
+        Pointer pointer (*child);
+        pointer.press (far * static_cast<float> (child->getWidth()),
+                       far * static_cast<float> (child->getHeight()));
+        pointer.release();
+        EXPECT_EQ (parameter.getValue(), far) << child->getTitle();
+    }
 
     for (const auto& info : parameterInfo)
         EXPECT_EQ (controls[info.name], 1) << info.name;
+
+    EXPECT_EQ (controls.size(), static_cast<std::size_t> (kNumParameters));
+    EXPECT_EQ (panel.getNumChildComponents(), 84);
 }
 
 TEST_F (Panel, LetsThePointerThroughTheTextsToTheFaders)
@@ -92,20 +95,4 @@ TEST_F (Panel, GridsWriteIntoTheEngineAndTellTheHostButNotTheHistory)
     EXPECT_EQ (processor.getSignalConnection (0, 0), ! wired);
     EXPECT_EQ (host.lines.size(), 2u);
     EXPECT_FALSE (processor.undoManager.canUndo());
-}
-
-TEST_F (Panel, ControlsReachTheParametersThatTheyAreNamedAfter)
-{
-    for (auto* child : panel.getChildren())
-        if (auto* const control = dynamic_cast<VelkorControl*> (child);
-            control != nullptr && dynamic_cast<ValueLabel*> (child) == nullptr)
-        {
-            const auto& parameter = *processor.parameterTree.getParameter (child->getTitle());
-            const auto far = parameter.getValue() > 0.5f ? 0.0f : 1.0f;
-            Pointer pointer (*child);
-            pointer.press (far * static_cast<float> (child->getWidth()),
-                           far * static_cast<float> (child->getHeight()));
-            pointer.release();
-            EXPECT_EQ (parameter.getValue(), far) << child->getTitle();
-        }
 }
