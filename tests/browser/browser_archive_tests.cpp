@@ -293,9 +293,7 @@ TEST_F (BrowserArchives, ExportGoesAsideWhereItsNameIsTakenByWhatWeCannotReplace
     EXPECT_EQ (contents (desk.getChildFile ("Set.zip")), "somebody's=kept");
 
     // Nobody else has business there, and no half-written file stays behind.
-    struct stat status
-    {
-    };
+    struct stat status;
     ASSERT_EQ (stat (archive.getParentDirectory().getFullPathName().toRawUTF8(), &status), 0);
     EXPECT_EQ (status.st_mode & 0777u, 0700u);
     EXPECT_EQ (desk.getNumberOfChildFiles (juce::File::findFilesAndDirectories), 2);

@@ -82,8 +82,7 @@ TEST_F (BrowserWindowMouse, TheStarTogglesAndReopensTheFolder)
     EXPECT_EQ (view(), "*A|B|C|Zero / One|*Two");  // just beside it: only selected
 
     click (onRow (1, "Two", -zone));
-    EXPECT_EQ (view(),
-               "*A|B|C|Zero / One|*Two");  // not yet: the rebuild waits for the click to end
+    EXPECT_TRUE (browser().favorites.isEmpty());  // not yet: the rebuild waits for the click to end
     pump();
     EXPECT_EQ (view(), "Favorites|*A|B|C|Zero / One|Two");
     EXPECT_EQ (browser().favorites, juce::StringArray ({ "A/two.zbpreset" }));

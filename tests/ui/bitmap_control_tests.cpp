@@ -103,9 +103,6 @@ TEST_F (BitmapControls, SwitchesChangeOnThePressAsOneGestureEach)
     pointer.press (10.0f);
     EXPECT_EQ (valueOf (processor, Delay1Loop), 1.0f);
     EXPECT_EQ (host.lines, (Lines { "begin " + index, "value " + index, "end " + index }));
-    pointer.release();
-    EXPECT_EQ (host.lines.size(), 3u);
-
     parameterOf (processor, Delay1Loop).setValueNotifyingHost (0.5f);
     pointer.press (10.0f);
     EXPECT_EQ (valueOf (processor, Delay1Loop), 0.0f);
@@ -138,26 +135,22 @@ TEST_F (BitmapControls, ChoicesSplitTheirWidthEvenlyAndQuartersCountDownTheColum
     }
 }
 
-TEST_F (BitmapControls, RepaintWhenTheHostMovesTheirParameter)
-{
-    const auto fader = makeFader (Pan1);
-    auto& repaints = RepaintCount::watch (*fader);
-    parameterOf (processor, Pan1).setValueNotifyingHost (0.25f);
-    parameterOf (processor, Pan2).setValueNotifyingHost (0.25f);
-    EXPECT_EQ (repaints.count, 1);
-}
-
-TEST_F (BitmapControls, TimeLabelFollowsTheSyncSwitch)
+TEST_F (BitmapControls, TimeLabelFollowsItsTimeAndTheSyncSwitch)
 {
     ValueLabel label (parameterOf (processor, Delay1Time), &parameterOf (processor, Delay1Sync));
     label.setSize (57, 18);
     const auto picture = [&] { return label.createComponentSnapshot (label.getLocalBounds()); };
-    const auto free = picture();
     auto& repaints = RepaintCount::watch (label);
-    parameterOf (processor, Delay1Sync).setValueNotifyingHost (1.0f);
+    parameterOf (processor, Delay1Time).setValueNotifyingHost (0.25f);
     EXPECT_EQ (repaints.count, 1);
+    parameterOf (processor, Delay1Sync).setValueNotifyingHost (1.0f);
+    EXPECT_EQ (repaints.count, 2);
+    parameterOf (processor, Delay2Sync).setValueNotifyingHost (1.0f);
+    EXPECT_EQ (repaints.count, 2);
     label.setCachedComponentImage (nullptr);
-    EXPECT_FALSE (samePixels (picture(), free));
+    const auto synced = picture();
+    parameterOf (processor, Delay1Sync).setValueNotifyingHost (0.0f);
+    EXPECT_FALSE (samePixels (picture(), synced));
 }
 
 // --- the grid ------------------------------------------------------------------------------------------
@@ -172,9 +165,30 @@ struct Grid : testing::Test
 
     using Cells = std::set<std::pair<int, int>>;
 
+    static juce::Image blackAboveWhite()
+    {
+        juce::Image strip (juce::Image::RGB, 10, 20, true);
+        strip.clear ({ 0, 10, 10, 10 }, juce::Colours::white);
+        return strip;
+    }
+
+    /** The cells that are painted as on. */
+    Cells shown()
+    {
+        const auto picture = matrix.createComponentSnapshot (matrix.getLocalBounds());
+        Cells cells;
+
+        for (int row = 0; row < 10; ++row)
+            for (int column = 0; column < 8; ++column)
+                if (picture.getPixelAt (column * 10 + 5, row * 10 + 5) == juce::Colours::white)
+                    cells.insert ({ column, row });
+
+        return cells;
+    }
+
     Cells on;
     int writes = 0;
-    BitmapMatrix matrix { 10, 8, juce::Image(),
+    BitmapMatrix matrix { 10, 8, blackAboveWhite(),
                           [this] (int column, int row) {
                               return on.contains ({ column, row });
                           },
@@ -231,34 +245,12 @@ TEST_F (Grid, ReachesOneCellBeyondItsLeftAndUpperEdgesOnly)
 }
 
 // A preset changes the cells behind the grid's back; the picture that it keeps must not outlive that.
-TEST (GridPicture, FollowsCellsThatChangeUnderneath)
+TEST_F (Grid, PaintsCellsThatChangeUnderneath)
 {
-    juce::Image strip (juce::Image::RGB, 14, 24, true);
-    strip.clear ({ 0, 12, 14, 12 }, juce::Colours::white);
-    std::set<std::pair<int, int>> on { { 4, 2 } };
-    BitmapMatrix matrix (
-        3, 5, strip,
-        [&on] (int column, int row) {
-            return on.contains ({ column, row });
-        },
-        [] (int, int, bool) {});
-    matrix.setSize (70, 36);
-
-    const auto shown = [&]
+    for (const auto& cells :
+         { Cells { { 4, 2 } }, Cells { { 0, 1 }, { 7, 9 } }, Cells { { 4, 2 } } })
     {
-        const auto picture = matrix.createComponentSnapshot (matrix.getLocalBounds());
-        std::set<std::pair<int, int>> cells;
-
-        for (int row = 0; row < 3; ++row)
-            for (int column = 0; column < 5; ++column)
-                if (picture.getPixelAt (column * 14 + 7, row * 12 + 6) == juce::Colours::white)
-                    cells.insert ({ column, row });
-
-        return cells;
-    };
-    EXPECT_EQ (shown(), on);
-    on = { { 0, 1 }, { 3, 0 } };
-    EXPECT_EQ (shown(), on);
-    on = { { 4, 2 } };
-    EXPECT_EQ (shown(), on);
+        on = cells;
+        EXPECT_EQ (shown(), on);
+    }
 }

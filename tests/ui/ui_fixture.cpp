@@ -31,21 +31,9 @@ void Pointer::doubleClick (float x, float y)
 juce::MouseEvent Pointer::event (juce::Point<float> position, int clicks) const
 {
     const auto now = juce::Time::getCurrentTime();
-    return { juce::Desktop::getInstance().getMainMouseSource(),
-             position,
-             juce::ModifierKeys::leftButtonModifier,
-             0.0f,
-             0.0f,
-             0.0f,
-             0.0f,
-             0.0f,
-             &target,
-             &target,
-             now,
-             pressed,
-             now,
-             clicks,
-             position != pressed };
+    return juce::MouseEvent (juce::Desktop::getInstance().getMainMouseSource(), position,
+                             juce::ModifierKeys::leftButtonModifier, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f,
+                             &target, &target, now, pressed, now, clicks, position != pressed);
 }
 
 HostLog::HostLog (juce::AudioProcessor& processorToHear) : processor (processorToHear)
