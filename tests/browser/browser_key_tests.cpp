@@ -22,8 +22,6 @@ TEST_F (BrowserWindowKeys, ArrowsWalkTheColumnsAndLoadWhatTheyReach)
     key (juce::KeyPress::downKey);
     EXPECT_EQ (view(), "*A|Zero / *B|Three / One|*Two");
     EXPECT_EQ (delay(), 22.0f);
-    key (juce::KeyPress::downKey);  // at the end
-    EXPECT_EQ (delay(), 22.0f);
 
     key (juce::KeyPress::leftKey);
     EXPECT_EQ (focusedColumn(), 1);
