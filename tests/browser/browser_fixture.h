@@ -40,7 +40,7 @@ protected:
     void putStrangeNames (const juce::String& path) const;
 
     /** Makes the browser anew, as a new editor does. */
-    zb_PresetManager& open (int width = 900);
+    void open();
 
     /** The browser, which open has made. */
     zb_PresetManager& browser() const { return *manager; }

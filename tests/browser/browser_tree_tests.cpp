@@ -112,8 +112,9 @@ TEST_F (BrowserTree, TrustsAFileOfNamesThatHasTheRightCountAndVersion)
     EXPECT_EQ (rowsWith ("version=\"2\" fileCount=\"2\""), "Uno|Two");
     EXPECT_EQ (browser().rootTree.getChild (0).getType().toString(), "Sample");
 
-    for (const auto* stale : { "version=\"2\" fileCount=\"3\"", "version=\"1\" fileCount=\"2\"",
-                               "fileCount=\"2\"", "version=\"2\"", "version=\"2\" broken" })
+    for (const auto* stale :
+         { "version=\"2\" fileCount=\"3\"", "version=\"1\" fileCount=\"2\"", "fileCount=\"2\"",
+           "version=\"2\"", "version=\"2\" fileCount=\"2\" broken" })
         EXPECT_EQ (rowsWith (stale), "One|Two, rewritten") << stale;
 
     // Hidden presets and those that no column shows count as well.

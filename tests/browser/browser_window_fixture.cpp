@@ -17,12 +17,12 @@ void BrowserWindow::SetUp()
         GTEST_SKIP() << "no X server, and no Xvfb to start one";
 }
 
-void BrowserWindow::show (int width)
+void BrowserWindow::show()
 {
-    window.setBounds (0, 0, width, width * 3 / 4);
+    window.setBounds (0, 0, 900, 675);
     window.addToDesktop (0);
     window.setVisible (true);
-    open (width);
+    open();
     window.addChildComponent (browser());
     reopen();
 }

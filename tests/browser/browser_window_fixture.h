@@ -17,7 +17,7 @@ protected:
     void SetUp() override;
 
     /** Makes a new browser in the window and opens it as the editor does. */
-    void show (int width = 900);
+    void show();
 
     /** Makes the browser visible again, with a fresh snapshot to go back to. */
     void reopen();
