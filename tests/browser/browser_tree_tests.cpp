@@ -2,6 +2,7 @@
 #include "browser/browser_fixture.h"
 #include "browser/preset_listing.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 class BrowserTree : public BrowserTest
