@@ -4,8 +4,6 @@
 #include <juce_core/juce_core.h>
 
 #include <string>
-#include <string_view>
-#include <utility>
 #include <vector>
 
 /** Archives as nobody would make them in good faith. */
@@ -51,14 +49,4 @@ inline void claimLength (juce::MemoryBlock& archive, int n, juce::uint32 length)
             for (int k = 0; k < 4; ++k)
                 bytes[i + 24 + static_cast<std::size_t> (k)] =
                     static_cast<char> (length >> (8 * k));
-}
-
-/** Puts other bytes in the place of all occurrences of a text of the same length, as in names. */
-inline void replaceBytes (juce::MemoryBlock& archive, std::string_view from, std::string_view to)
-{
-    auto* const bytes = static_cast<char*> (archive.getData());
-    std::string_view rest (bytes, archive.getSize());
-
-    for (auto at = rest.find (from); at != std::string_view::npos; at = rest.find (from, at + 1))
-        to.copy (bytes + at, from.size());
 }

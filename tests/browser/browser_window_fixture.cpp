@@ -17,12 +17,12 @@ void BrowserWindow::SetUp()
         GTEST_SKIP() << "no X server, and no Xvfb to start one";
 }
 
-void BrowserWindow::show (int width)
+void BrowserWindow::show()
 {
-    window.setBounds (0, 0, width, width * 3 / 4);
+    window.setBounds (0, 0, 900, 675);
     window.addToDesktop (0);
     window.setVisible (true);
-    open (width);
+    open();
     window.addChildComponent (browser());
     reopen();
 }
@@ -116,12 +116,6 @@ void BrowserWindow::drag (juce::Point<float> from, juce::Point<float> to)
 void BrowserWindow::key (int keyCode, juce::juce_wchar character, juce::ModifierKeys mods)
 {
     window.getPeer()->handleKeyPress (juce::KeyPress (keyCode, mods, character));
-}
-
-void BrowserWindow::type (const juce::String& text)
-{
-    for (const auto character : text)
-        key (static_cast<int> (character), character);
 }
 
 int BrowserWindow::focusedColumn() const

@@ -17,7 +17,7 @@ protected:
     void SetUp() override;
 
     /** Makes a new browser in the window and opens it as the editor does. */
-    void show (int width = 900);
+    void show();
 
     /** Makes the browser visible again, with a fresh snapshot to go back to. */
     void reopen();
@@ -37,7 +37,6 @@ protected:
     void drag (juce::Point<float> from, juce::Point<float> to);
 
     void key (int keyCode, juce::juce_wchar character = 0, juce::ModifierKeys mods = {});
-    void type (const juce::String& text);
 
     /** The list that has the keyboard's focus, as a column index; -1 if none has. */
     int focusedColumn() const;

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
-#include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <string_view>
-#include <sys/prctl.h>
-#include <unistd.h>
 
 /** An X server without a screen, for the tests of suites whose name begins with kSuites: started before them,
     ended with the process. */
@@ -27,44 +24,21 @@ public:
             return;
 
         outliveErrors();
-        int ends[2] = {};
 
-        if (pipe (ends) != 0)
-            return;
-
-        const auto child = fork();
-
-        if (child == 0)
-        {
-            close (ends[0]);
-            prctl (PR_SET_PDEATHSIG,
-                   SIGTERM);  // not before: the framework keeps its connection to the end
-            const auto number = std::to_string (ends[1]);
-            const int nowhere = open ("/dev/null", O_RDWR);
-            dup2 (nowhere, 1);
-            dup2 (nowhere, 2);
-            execlp ("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "2400x2000x24",
-                    "-nolisten", "tcp", static_cast<char*> (nullptr));
-            _exit (127);
-        }
-
-        close (ends[1]);
-        std::string number;
-        char digit = 0;
-
-        while (read (ends[0], &digit, 1) == 1 && digit != '\n')
-            number += digit;
-
-        close (ends[0]);
-
-        running = ! number.empty();
+        // It goes when this process has gone, not before: the framework keeps its connection to the end.
+        server = popen ("exec setpriv --pdeathsig TERM Xvfb -displayfd 1 -screen 0 2400x2000x24 "
+                        "-nolisten tcp 2>/dev/null",
+                        "r");
+        char number[16] = {};
+        running = server != nullptr && std::fgets (number, sizeof (number), server) != nullptr;
 
         if (running)
-            setenv ("DISPLAY", (":" + number).c_str(), 1);
+            setenv ("DISPLAY", (":" + std::to_string (std::atoi (number))).c_str(), 1);
     }
 
 private:
     static inline bool running = false;
+    static inline std::FILE* server = nullptr;
 
     /** Whether a test that is to run needs it: starting it takes some tenths of a second. */
     static bool isWanted()

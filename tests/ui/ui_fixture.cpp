@@ -31,21 +31,9 @@ void Pointer::doubleClick (float x, float y)
 juce::MouseEvent Pointer::event (juce::Point<float> position, int clicks) const
 {
     const auto now = juce::Time::getCurrentTime();
-    return { juce::Desktop::getInstance().getMainMouseSource(),
-             position,
-             juce::ModifierKeys::leftButtonModifier,
-             0.0f,
-             0.0f,
-             0.0f,
-             0.0f,
-             0.0f,
-             &target,
-             &target,
-             now,
-             pressed,
-             now,
-             clicks,
-             position != pressed };
+    return juce::MouseEvent (juce::Desktop::getInstance().getMainMouseSource(), position,
+                             juce::ModifierKeys::leftButtonModifier, 0.0f, 0.0f, 0.0f, 0.0f, 0.0f,
+                             &target, &target, now, pressed, now, clicks, position != pressed);
 }
 
 HostLog::HostLog (juce::AudioProcessor& processorToHear) : processor (processorToHear)
@@ -119,4 +107,14 @@ juce::Component* childTitled (const juce::Component& parent, const juce::String&
             return child;
 
     return nullptr;
+}
+
+bool samePixels (const juce::Image& a, const juce::Image& b)
+{
+    for (int y = 0; y < a.getHeight(); ++y)
+        for (int x = 0; x < a.getWidth(); ++x)
+            if (a.getPixelAt (x, y) != b.getPixelAt (x, y))
+                return false;
+
+    return true;
 }

@@ -70,3 +70,17 @@ float valueOf (VelkorAudioProcessor& processor, NumericalParamID id);
 
 /** The child of a component that carries this title; null without one. */
 juce::Component* childTitled (const juce::Component& parent, const juce::String& title);
+
+/** Whether two pictures of one size are the same. */
+bool samePixels (const juce::Image& a, const juce::Image& b);
+
+/** The first child of a class; null without one. */
+template <typename Component>
+Component* childOf (const juce::Component& parent)
+{
+    for (auto* child : parent.getChildren())
+        if (auto* found = dynamic_cast<Component*> (child))
+            return found;
+
+    return nullptr;
+}
