@@ -52,10 +52,13 @@ TEST (Acceptance, ParametersSetByManyThreadsBesideAudioKeepTheLastValue)
         thread.join();
 
     for (std::size_t i = 0; i < kNumParameters; ++i)
-        EXPECT_FLOAT_EQ (
-            player.processor.paramValues[i]->load(),
-            player.parameter (static_cast<NumericalParamID> (i)).convertFrom0to1 (last[i]))
+    {
+        // The framework takes a value through its range and back, and the logarithmic and cubic ones round.
+        const float want =
+            player.parameter (static_cast<NumericalParamID> (i)).convertFrom0to1 (last[i]);
+        EXPECT_NEAR (player.processor.paramValues[i]->load(), want, 1e-6f + std::abs (want) * 4e-6f)
             << paramMapper[i].name;
+    }
 }
 
 TEST (Acceptance, AnEditorOpenedBeforePreparingAndReopenedBesideAudioChangesNoSound)
@@ -67,8 +70,7 @@ TEST (Acceptance, AnEditorOpenedBeforePreparingAndReopenedBesideAudioChangesNoSo
     std::unique_ptr<juce::AudioProcessorEditor> editor (processor.createEditorIfNeeded());
     ASSERT_NE (editor, nullptr);
     processor.prepareToPlay (session.sampleRate, Session::kMaxBlock);
-    player.load (
-        state);  // not beside the editor's painting: the framework's undo history takes one thread only
+    player.load (state);  // while an editor is open, the undo history is the message thread's
 
     std::vector<juce::AudioBuffer<float>> got;
     std::atomic<int> openings { 0 };
