@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
+#include "browser/archive_bench.h"
 #include "browser/browser_window_fixture.h"
 
 class BrowserWindowKeys : public BrowserWindow
@@ -72,6 +73,38 @@ TEST_F (BrowserWindowKeys, ReturnClosesFromAListAndFromThePanelButNotWithAModifi
     reopen();
     EXPECT_EQ (view(), "A|Zero");  // nothing selected
     EXPECT_EQ (focusedColumn(), 0);
+    key (juce::KeyPress::returnKey);
+    EXPECT_TRUE (hasClosed());
+}
+
+TEST_F (BrowserWindowKeys, AreKeptFromABrowserThatIsAtWork)
+{
+    const auto archive = homeFile ("Pack.zip");
+    const auto bytes = makeArchive ({ { "p.zbpreset", "x" } });
+    putFile (archive, { bytes.begin(), bytes.getSize() });
+    show();
+    const auto before = delay();
+    bool seen = false;
+
+    {
+        const Onlooker onlooker (
+            [&]
+            {
+                if (browser().busyCover == nullptr)
+                    return;
+
+                seen = true;
+                key (juce::KeyPress::downKey);
+                key (juce::KeyPress::tabKey);
+                key (juce::KeyPress::returnKey);
+            });
+        browser().importFile (archive);
+    }
+
+    EXPECT_TRUE (seen);
+    EXPECT_EQ (delay(), before);
+    EXPECT_TRUE (browser().isVisible());
+    EXPECT_FALSE (hasClosed());
     key (juce::KeyPress::returnKey);
     EXPECT_TRUE (hasClosed());
 }

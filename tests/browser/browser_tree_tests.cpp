@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
+#include "browser/archive_export.h"
 #include "browser/browser_fixture.h"
 #include "browser/preset_listing.h"
+#include "state/folder_listing.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -208,4 +210,39 @@ TEST_F (BrowserTree, SurvivesLinksThatLeadInCircles)
     open();  // returns at all
     select (0, "a");
     EXPECT_TRUE (rows (1).startsWith ("again|One|")) << rows (1);
+}
+
+// Where the framework joins paths, such a name is a user's home or leads to the folder that the program runs in.
+TEST_F (BrowserTree, TakesANameThatBeginsWithATildeForAName)
+{
+    putFile (homeFile ("dear.zbpreset"), "the user's");
+    putPreset ("./~/Inside.zbpreset", "Inside", 33.0f);
+    putPreset ("./~ warm.zbpreset", "Warm", 44.0f);
+    open();
+    EXPECT_EQ (rows (0), "~|Warm");
+    select (0, "Warm");
+    EXPECT_EQ (delay(), 44.0f);
+    browser().toggleFavorite (browser().selectedPath);
+    browser().loadFavorites();
+    EXPECT_EQ (browser().favorites.size(), 1);
+
+    select (0, "~");
+    EXPECT_EQ (rows (1), "Inside");
+    const auto archive = browser().makeExport();
+    EXPECT_EQ (archive.getFileName(), "~.zip");
+    const auto target = homeFile ("target");
+    target.createDirectory();
+    EXPECT_TRUE (copyInto (archive, target));
+    EXPECT_TRUE (copyInto (lib ("./~ warm.zbpreset"), target));
+    EXPECT_EQ (target.getNumberOfChildFiles (juce::File::findFiles), 2);
+    archive.deleteFile();
+
+    browser().importFile (
+        target.getChildFile ("./~.zip"));  // beside the file of the selected folder
+    EXPECT_TRUE (lib ("./~/~/Inside.zbpreset").existsAsFile());
+    browser().importFile (target.getChildFile ("./~ warm.zbpreset"));
+    EXPECT_TRUE (lib ("./~/~ warm.zbpreset").existsAsFile());
+
+    EXPECT_TRUE (deleteFolder (lib ("./~")));
+    EXPECT_EQ (bytesOf (homeFile ("dear.zbpreset")), "the user's");
 }
