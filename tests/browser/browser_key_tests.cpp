@@ -86,21 +86,15 @@ TEST_F (BrowserWindowKeys, AreKeptFromABrowserThatIsAtWork)
     const auto before = delay();
     bool seen = false;
 
-    {
-        const Onlooker onlooker (
-            [&]
-            {
-                if (browser().busyCover == nullptr)
-                    return;
-
-                seen = true;
-                key (juce::KeyPress::downKey);
-                key (juce::KeyPress::tabKey);
-                key (juce::KeyPress::returnKey);
-            });
-        browser().importFile (archive);
-    }
-
+    juce::MessageManager::callAsync (
+        [&]
+        {
+            seen = browser().busyCover != nullptr;
+            key (juce::KeyPress::downKey);
+            key (juce::KeyPress::tabKey);
+            key (juce::KeyPress::returnKey);
+        });
+    browser().importFile (archive);
     EXPECT_TRUE (seen);
     EXPECT_EQ (delay(), before);
     EXPECT_TRUE (browser().isVisible());
