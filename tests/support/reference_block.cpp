@@ -61,6 +61,9 @@ void ReferenceEngine::process (const float (&params)[kNumParams], std::optional<
         for (Side& side : sides)
             for (float* value : { &side.delay.out, &side.delay.lastIn })
                 *value = std::isfinite (*value) ? *value : 0.0f;
+
+        modSources[0] =
+            std::isfinite (modSources[0]) ? modSources[0] : 0.0f;  // the others are made anew
     }
 }
 
