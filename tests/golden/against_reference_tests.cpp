@@ -82,8 +82,9 @@ void randomEdit (Duel& duel, Noise& noise)
         {
             const std::uint8_t statuses[] = { 0x90, 0x91, 0x80, 0xb0, 0xe3, 0xc5 };
             const auto status = statuses[noise.below (6)];
+            const int notes[] = { 35, 36, 60, 84, 85, 128 };  // few, so that most are let go again
             const auto data1 = static_cast<std::uint8_t> (status == 0xb0 ? noise.below (3)
-                                                                         : 30 + noise.below (60));
+                                                                         : notes[noise.below (6)]);
             duel.midi (status, data1, static_cast<std::uint8_t> (noise.below (3) * 50));
         }
         break;
