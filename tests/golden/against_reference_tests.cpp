@@ -195,9 +195,7 @@ TEST (AgainstReference, EverythingConnectedRunsAwayWithTheSameBitsAndSoundsAgain
     Duel duel;
     duel.prepare (48000.0);
 
-    for (int destination = 0; destination < kNumSignalDests; ++destination)
-        for (int source = 0; source < kNumSignalSources; ++source)
-            duel.connect (source, destination, true);
+    duel.connectAll (true);
 
     for (int source = 0; source < kNumModSources; ++source)
         for (int dest = 0; dest < kNumModDests; ++dest)
@@ -222,7 +220,7 @@ TEST (AgainstReference, EverythingConnectedRunsAwayWithTheSameBitsAndSoundsAgain
     const int rescues = duel.engine->nonFiniteRescues;
     EXPECT_GT (rescues, 0) << "it has to run away for this test to say anything";
 
-    duel.disconnectAll();
+    duel.connectAll (false);
 
     for (int destination = 0; destination < kNumSignalDests; ++destination)
         duel.connect (sourceInputL, destination, true);

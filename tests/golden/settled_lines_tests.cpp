@@ -83,7 +83,7 @@ TEST_P (SettledLines, GiveTheReferencesBitsInEveryKindOfWiring)
     Noise noise (static_cast<std::uint32_t> (which));
     Duel duel (rateBefore);
     duel.prepare (48000.0);
-    duel.disconnectAll();
+    duel.connectAll (false);
 
     for (const auto& [source, destination] : wiring.pairs)
         duel.connect (source, destination, true);
@@ -133,7 +133,7 @@ TEST (AgainstReference, WiringsDrawnAtRandomGiveItsBitsWhileTheLinesAreSettled)
         Duel duel (round % 2 == 0 ? 44100.0 : 1.0e6);
         const bool isTiny = round % 3 == 2;  // a delay of five slots, a tick or two
         duel.prepare (isTiny ? 2500.0 : 44100.0);
-        duel.disconnectAll();
+        duel.connectAll (false);
         duel.set (Delay1Time, Delay2Time, isTiny ? 2.0f : 30.0f);
         duel.set (Delay1Multiplier, Delay2Multiplier, 0.0f);
 
@@ -166,7 +166,7 @@ TEST (AgainstReference, EveryFactoryPresetGivesItsBits)
         Noise noise (static_cast<std::uint32_t> (i));
         Duel duel;
         duel.prepare (44100.0);
-        duel.disconnectAll();
+        duel.connectAll (false);
         duel.product.loadStateFromXML (document.get());
         const auto& signal = duel.product.engine->signal;
 

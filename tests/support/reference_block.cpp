@@ -62,8 +62,8 @@ void ReferenceEngine::process (const float (&params)[kNumParams], std::optional<
             for (float* value : { &side.delay.out, &side.delay.lastIn })
                 *value = std::isfinite (*value) ? *value : 0.0f;
 
-        modSources[0] =
-            std::isfinite (modSources[0]) ? modSources[0] : 0.0f;  // the others are made anew
+        // The other sources are made anew by each tick.
+        modSources[0] = std::isfinite (modSources[0]) ? modSources[0] : 0.0f;
     }
 }
 
@@ -77,13 +77,9 @@ bool ReferenceEngine::signalStateIsFinite() const
                double { s.delay.out }, double { s.delay.lastIn } })
             finite = finite && std::isfinite (value);
 
-    for (const float value : signalSources)
-        finite = finite && std::isfinite (value);
-
-    for (const float value : signalDests)
-        finite = finite && std::isfinite (value);
-
-    return finite;
+    const auto isFinite = [] (float value) { return std::isfinite (value); };
+    return finite && std::ranges::all_of (signalSources, isFinite) &&
+           std::ranges::all_of (signalDests, isFinite);
 }
 
 namespace
@@ -107,10 +103,7 @@ float lfoRateNormOf (float a)
 void setFilterBlock (FilterMultimode& filter, float reso, float m)
 {
     filter.q = static_cast<double> (reso) * 0.1;
-    filter.notchMix = 0.0f;
-    filter.lowMix = 0.0f;
-    filter.bandMix = 0.0f;
-    filter.highMix = 0.0f;
+    filter.notchMix = filter.lowMix = filter.bandMix = filter.highMix = 0.0f;
 
     if (m < 0.33333334f)
     {
