@@ -30,8 +30,35 @@ float randomValue (Duel& duel, NumericalParamID id, Noise& noise)
     return range.convertFrom0to1 (noise.unit());
 }
 
+/** Both matrices at once, as a load does it: the sound has to be that of the single steps. */
+void replaceMatrices (Duel& duel, Noise& noise)
+{
+    std::vector<SignalPair> signal;
+    std::vector<ModPair> modulation;
+
+    for (int i = noise.below (30); i > 0; --i)
+        signal.push_back ({ noise.below (9) - 1, noise.below (12) - 1 });
+
+    for (int i = noise.below (12); i > 0; --i)
+        modulation.push_back ({ noise.below (8) - 1, noise.below (12) - 1 });
+
+    engine_replace_connections (*duel.product.engine, signal);
+    mod_router_replace (duel.product.engine->modulation, modulation);
+    duel.engine->connectionCount = 0;
+    duel.engine->routes.clear();
+
+    for (const auto& pair : signal)
+        duel.engine->connect (pair.source, pair.destination, true);
+
+    for (const auto& pair : modulation)
+        duel.engine->route (pair.source, pair.dest, true);
+}
+
 void randomEdit (Duel& duel, Noise& noise)
 {
+    if (noise.chance (0.03f))
+        replaceMatrices (duel, noise);
+
     switch (noise.below (4))
     {
     case 0:
@@ -55,8 +82,9 @@ void randomEdit (Duel& duel, Noise& noise)
         {
             const std::uint8_t statuses[] = { 0x90, 0x91, 0x80, 0xb0, 0xe3, 0xc5 };
             const auto status = statuses[noise.below (6)];
+            const int notes[] = { 35, 36, 60, 84, 85, 128 };  // few, so that most are let go again
             const auto data1 = static_cast<std::uint8_t> (status == 0xb0 ? noise.below (3)
-                                                                         : 30 + noise.below (60));
+                                                                         : notes[noise.below (6)]);
             duel.midi (status, data1, static_cast<std::uint8_t> (noise.below (3) * 50));
         }
         break;
@@ -74,6 +102,11 @@ void randomTransport (Duel& duel, Noise& noise)
 
     if (noise.chance (0.1f))
         duel.playHead.tempo = noise.chance (0.5f) ? 0.0 : -30.0;
+
+    const double farPlaces[] = { 0.0, 400'000.0, 400'001.37, -90'000.7, 3.0e7 };
+
+    if (noise.chance (0.1f))
+        duel.playHead.position = farPlaces[noise.below (5)];
 }
 
 int randomLength (Noise& noise)
@@ -88,16 +121,17 @@ void expectWithinRails (const std::vector<float>& samples)
         ASSERT_TRUE (std::abs (sample) <= 1.0f) << sample;
 }
 
-/** A block of noise, silence, or a level that drives everything into its limits; now and then with samples that
-    are no numbers, which count as silence. */
+/** A block of noise, silence, or a level that drives everything into its limits; now and then with a sample that is
+    no number, which counts as silence, or that is near the end of the range. */
 std::vector<float> randomInput (Noise& noise, int n, float level)
 {
     constexpr auto kInfinity = std::numeric_limits<float>::infinity();
-    const float poisons[] = { std::numeric_limits<float>::quiet_NaN(), kInfinity, -kInfinity };
+    const float poisons[] = { std::numeric_limits<float>::quiet_NaN(), kInfinity, -kInfinity,
+                              noise.chance (0.5f) ? 1.6e38f : 2.5e38f };
     auto samples = noise.samples (n, level);
 
-    if (n > 0 && noise.chance (0.1f))
-        samples[static_cast<std::size_t> (noise.below (n))] = poisons[noise.below (3)];
+    if (n > 0 && noise.chance (0.05f))
+        samples[static_cast<std::size_t> (noise.below (n))] = poisons[noise.below (4)];
 
     return samples;
 }
@@ -161,9 +195,7 @@ TEST (AgainstReference, EverythingConnectedRunsAwayWithTheSameBitsAndSoundsAgain
     Duel duel;
     duel.prepare (48000.0);
 
-    for (int destination = 0; destination < kNumSignalDests; ++destination)
-        for (int source = 0; source < kNumSignalSources; ++source)
-            duel.connect (source, destination, true);
+    duel.connectAll (true);
 
     for (int source = 0; source < kNumModSources; ++source)
         for (int dest = 0; dest < kNumModDests; ++dest)
@@ -188,7 +220,7 @@ TEST (AgainstReference, EverythingConnectedRunsAwayWithTheSameBitsAndSoundsAgain
     const int rescues = duel.engine->nonFiniteRescues;
     EXPECT_GT (rescues, 0) << "it has to run away for this test to say anything";
 
-    duel.disconnectAll();
+    duel.connectAll (false);
 
     for (int destination = 0; destination < kNumSignalDests; ++destination)
         duel.connect (sourceInputL, destination, true);
@@ -203,10 +235,8 @@ TEST (AgainstReference, ALineWhoseDelayOutgrewItsBufferReadsAndWritesInsideIt)
     Noise noise (7);
     Duel duel;
     duel.prepare (44100.0);
-    duel.set (Delay1Time, 1000.0f);
-    duel.set (Delay2Time, 1000.0f);
-    duel.set (Delay1Multiplier, 3.0f);
-    duel.set (Delay2Multiplier, 3.0f);
+    duel.set (Delay1Time, Delay2Time, 1000.0f);
+    duel.set (Delay1Multiplier, Delay2Multiplier, 3.0f);
     duel.set (Delay1Sync, 1.0f);  // a synced line jumps, so its head is put outside at once
     walk (duel, noise, 5);
 

@@ -2,47 +2,22 @@
 #include "audio_guard.h"
 
 #include <cstddef>
+#include <cstdio>
 #include <dlfcn.h>
 #include <pthread.h>
+#include <semaphore.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace
-{
+static thread_local bool guarded = false;
+static thread_local int found = 0;
+static thread_local const char* first = nullptr;
 
-thread_local bool guarded = false;
-thread_local int found = 0;
-thread_local const char* first = nullptr;
-
-void note (const char* name) noexcept
+static void note (const char* name) noexcept
 {
     if (guarded && found++ == 0)
         first = name;
 }
-
-/** The function of that name that stands behind ours; a call of it is noted. */
-template <typename Function>
-class Watched
-{
-public:
-    explicit Watched (const char* functionName) noexcept
-        : name (functionName), next (reinterpret_cast<Function*> (dlsym (RTLD_NEXT, functionName)))
-    {
-    }
-
-    template <typename... Arguments>
-    auto operator() (Arguments... arguments) const
-    {
-        note (name);
-        return next (arguments...);
-    }
-
-private:
-    const char* name;
-    Function* next;
-};
-
-}  // namespace
 
 AudioGuard::AudioGuard() noexcept
 {
@@ -66,9 +41,25 @@ const char* AudioGuard::firstCall() noexcept
     return first != nullptr ? first : "";
 }
 
-// glibc's own names for what is replaced, since dlsym may itself allocate.
+/** The function of that name that stands behind ours. */
+template <typename Function>
+static Function* behind (const char* name) noexcept
+{
+    return reinterpret_cast<Function*> (dlsym (RTLD_NEXT, name));
+}
+
+// A function of the C library that is noted, and then does what it always does.
+#define VELKOR_WATCH(Result, name, parameters, arguments)                                          \
+    Result name parameters                                                                         \
+    {                                                                                              \
+        static auto* const next = behind<Result parameters> (#name);                               \
+        note (#name);                                                                              \
+        return next arguments;                                                                     \
+    }
+
 extern "C"
 {
+    // glibc's own names for these four, since dlsym may itself allocate.
     void* __libc_malloc (std::size_t);
     void* __libc_calloc (std::size_t, std::size_t);
     void* __libc_realloc (void*, std::size_t);
@@ -100,49 +91,20 @@ extern "C"
         __libc_free (block);
     }
 
-    void* aligned_alloc (std::size_t alignment, std::size_t size)
-    {
-        static const Watched<void*(std::size_t, std::size_t)> call ("aligned_alloc");
-        return call (alignment, size);
-    }
+    // clang-format off
+    VELKOR_WATCH (void*, aligned_alloc, (std::size_t alignment, std::size_t size), (alignment, size))
 
-    // --- waiting ---------------------------------------------------------------------------------------
+    VELKOR_WATCH (int, pthread_mutex_lock, (pthread_mutex_t* mutex), (mutex))
+    VELKOR_WATCH (int, pthread_cond_wait, (pthread_cond_t* condition, pthread_mutex_t* mutex), (condition, mutex))
+    VELKOR_WATCH (int, sem_wait, (sem_t* semaphore), (semaphore))
 
-    int pthread_mutex_lock (pthread_mutex_t* mutex)
-    {
-        static const Watched<int (pthread_mutex_t*)> call ("pthread_mutex_lock");
-        return call (mutex);
-    }
-
-    int pthread_cond_wait (pthread_cond_t* condition, pthread_mutex_t* mutex)
-    {
-        static const Watched<int (pthread_cond_t*, pthread_mutex_t*)> call ("pthread_cond_wait");
-        return call (condition, mutex);
-    }
-
-    // --- files -----------------------------------------------------------------------------------------
-
-    ssize_t write (int file, const void* data, std::size_t size)
-    {
-        static const Watched<ssize_t (int, const void*, std::size_t)> call ("write");
-        return call (file, data, size);
-    }
-
-    ssize_t read (int file, void* data, std::size_t size)
-    {
-        static const Watched<ssize_t (int, void*, std::size_t)> call ("read");
-        return call (file, data, size);
-    }
-
-    int stat64 (const char* path, struct stat64* status)
-    {
-        static const Watched<int (const char*, struct stat64*)> call ("stat64");
-        return call (path, status);
-    }
-
-    int access (const char* path, int mode)
-    {
-        static const Watched<int (const char*, int)> call ("access");
-        return call (path, mode);
-    }
+    // The mode is passed on whether it was given or not, as an argument that nobody reads.
+    VELKOR_WATCH (int, open, (const char* path, int flags, mode_t mode), (path, flags, mode))
+    VELKOR_WATCH (int, openat, (int folder, const char* path, int flags, mode_t mode), (folder, path, flags, mode))
+    VELKOR_WATCH (FILE*, fopen, (const char* path, const char* mode), (path, mode))
+    VELKOR_WATCH (ssize_t, write, (int file, const void* data, std::size_t size), (file, data, size))
+    VELKOR_WATCH (ssize_t, read, (int file, void* data, std::size_t size), (file, data, size))
+    VELKOR_WATCH (int, stat64, (const char* path, struct stat64* status), (path, status))
+    VELKOR_WATCH (int, access, (const char* path, int mode), (path, mode))
+    // clang-format on
 }

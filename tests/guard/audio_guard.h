@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
-#include <string>
-
-/** While one stands, this thread may not allocate, free, lock, wait, or ask for, read or write a file: each such
-    call is counted. The calls themselves are replaced for the whole program in audio_guard.cpp; to open a file
-    through the framework takes memory. */
+/** While one stands, this thread may not allocate, free, lock, wait, or ask for, open, read or write a file: each such
+    call is counted. The calls themselves are replaced for the whole program in audio_guard.cpp. */
 class AudioGuard
 {
 public:

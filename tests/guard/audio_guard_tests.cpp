@@ -4,17 +4,17 @@
 #include "state/state_fixture.h"
 #include "support/duel.h"
 
+#include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <mutex>
+#include <semaphore.h>
 #include <unistd.h>
 
-namespace
-{
-
 /** One guarded block; adds a failure that names the first forbidden call. */
-void guardedBlock (VelkorAudioProcessor& processor, juce::AudioBuffer<float>& buffer,
-                   juce::MidiBuffer& midi)
+static void guardedBlock (VelkorAudioProcessor& processor, juce::AudioBuffer<float>& buffer,
+                          juce::MidiBuffer& midi)
 {
     {
         const AudioGuard guard;
@@ -24,27 +24,25 @@ void guardedBlock (VelkorAudioProcessor& processor, juce::AudioBuffer<float>& bu
     EXPECT_EQ (AudioGuard::calls(), 0) << AudioGuard::firstCall() << " on the audio thread";
 }
 
-}  // namespace
-
 TEST (AudioGuard, CountsAndNamesTheCallsThatItIsThereToSee)
 {
     static void* volatile kept = nullptr;  // without it the compiler may leave an allocation out
     static std::mutex mutex;
+    static sem_t semaphore;
     static char byte;
+    sem_init (&semaphore, 0, 1);
 
-    struct Forbidden
-    {
-        const char* name;
-        void (*call)();
-    };
-
-    const Forbidden calls[] = {
+    const std::pair<const char*, void (*)()> calls[] = {
         { "malloc", [] { kept = std::malloc (16); } },
         { "realloc", [] { kept = std::realloc (kept, 100000); } },
         { "free", [] { std::free (kept); } },
         { "aligned_alloc", [] { kept = std::aligned_alloc (64, 64); } },
         { "free", [] { std::free (kept); } },
         { "pthread_mutex_lock", [] { const std::lock_guard lock (mutex); } },
+        { "sem_wait", [] { EXPECT_EQ (sem_wait (&semaphore), 0); } },
+        { "open", [] { EXPECT_EQ (open ("", O_RDONLY), -1); } },
+        { "openat", [] { EXPECT_EQ (openat (AT_FDCWD, "", O_RDONLY), -1); } },
+        { "fopen", [] { kept = std::fopen ("", "r"); } },
         { "read", [] { EXPECT_EQ (read (-1, &byte, 1), -1); } },
         { "access", [] { EXPECT_EQ (access ("/", F_OK), 0); } },
     };
@@ -99,11 +97,11 @@ TEST (AudioThread, NeitherAllocatesNorLocksNorTouchesFilesWhateverIsPlayedAndRun
             for (int k = 0; k < n; ++k)
                 buffer.setSample (channel, k, noise());
 
-        midi.clear();
         midi.addEvent (juce::MidiMessage::noteOn (1, 30 + noise.below (70), 1.0f), 0);
         midi.addEvent (juce::MidiMessage::noteOff (1, 30 + noise.below (70)), 0);
         playHead.position = i * 0.37;
         guardedBlock (processor, buffer, midi);
+        midi.clear();
 
         // The input is never quite silent, so only the clearing after a runaway leaves these at 0.
         if (n > 0 && processor.engine->signal.signalDests[destSaturation1] == 0.0f &&
@@ -114,9 +112,7 @@ TEST (AudioThread, NeitherAllocatesNorLocksNorTouchesFilesWhateverIsPlayedAndRun
     EXPECT_GT (mended, 0) << "saturators that feed themselves have to run away";
 }
 
-class LoadGuard : public StateTest
-{
-};
+using LoadGuard = StateTest;
 
 TEST_F (LoadGuard, LoadingTheWholeBankMakesNoAudioBlockAllocateOrWait)
 {

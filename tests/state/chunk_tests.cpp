@@ -79,13 +79,9 @@ TEST_F (Chunk, OfAnyDocumentThatLoadsIsTakenByAnotherInstance)
         documentWith ("<Parameters/>", times ("&#x10ffff;", kMaxAttributeCharacters)),
         documentWith ("<Parameters/>",
                       juce::String::fromUTF8 ("&quot;Tom &amp; 'J'&quot; &lt;\xc3\xbc> &#10;.")),
-        documentWithParams (times ("<x/>", 65500)),
         documentWithParams (times ("<x a=\"1\"><y/>", 60) + times ("</x>", 60) +
                             times ("<x/>", 65000)),
-        documentWithParams (times ("<" + times ("n", 4000) + ">", 50) +
-                            times ("</" + times ("n", 4000) + ">", 50)),
         documentWithParams (times ("<x b=\"" + times ("&quot;", 8000) + "\"/>", 80)),
-        documentWithParams ("<PARAM id=\"Kill\"" + attributes + "/>"),
         "<VelkorSettings PresetName=\"Loaded\"><Parameters b=\"" +
             times ("&#x10ffff;", kMaxAttributeCharacters) + "\"" + attributes +
             "/></VelkorSettings>",

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "state_fixture.h"
 
-#include <sys/stat.h>
-
 class GlobalSettingsFile : public StateTest
 {
 protected:
@@ -59,12 +57,4 @@ TEST_F (GlobalSettingsFile, ThatDoesNotParseLeavesTheDefaultsAndItself)
         expectDefaults (VelkorAudioProcessor());
         EXPECT_EQ (bytesOf (globals()), text);
     }
-
-    ASSERT_TRUE (globals().deleteFile() && globals().createDirectory());
-    expectDefaults (VelkorAudioProcessor());
-    EXPECT_TRUE (globals().isDirectory());
-
-    ASSERT_TRUE (globals().deleteRecursively());
-    ASSERT_EQ (mkfifo (globals().getFullPathName().toRawUTF8(), 0600), 0);
-    expectDefaults (VelkorAudioProcessor());
 }

@@ -3,38 +3,36 @@
 
 #include "state/parameter_state.h"
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 
 static std::string faultOfParameters (VelkorAudioProcessor& processor)
 {
     const auto tree = processor.parameterTree.copyState();
-    std::map<juce::String, int> counts;
-    std::map<juce::String, juce::ValueTree> params;
 
     if (tree.getType() != juce::Identifier ("Parameters"))
         return "tree type";
 
+    std::multimap<juce::String, juce::String> texts;
+
     for (const auto& child : tree)
         if (child.hasType ("PARAM"))
-        {
-            const auto id = child["id"].toString();
-            ++counts[id];
-            params[id] = child;
-        }
+            texts.emplace (child["id"].toString(), child["value"].toString());
 
     for (const auto& info : parameterInfo)
     {
         const auto& range =
             processor.parameterTree.getParameter (info.name)->getNormalisableRange();
         const float value = processor.parameterTree.getRawParameterValue (info.name)->load();
-        const auto number = readValueText (params[info.name]["value"].toString());
 
         if (! (value >= range.start && value <= range.end))
             return std::string ("value of ") + info.name;
 
-        if (counts[info.name] != 1)
+        if (texts.count (info.name) != 1)
             return std::string ("not once in the tree: ") + info.name;
+
+        const auto number = readValueText (texts.find (info.name)->second);
 
         if (! number || std::abs (*number - static_cast<double> (value)) >
                             0.5 + 1e-4 * std::abs (*number))  // choices and switches are rounded
@@ -44,28 +42,22 @@ static std::string faultOfParameters (VelkorAudioProcessor& processor)
     return {};
 }
 
+/** The lists that are walked while sound is made, against the grids that are drawn and saved. */
 static std::string faultOfMatrices (const VelkorAudioProcessor& processor)
 {
     const auto& signal = processor.engine->signal;
-    int flags = 0;
+    const auto& modulation = processor.engine->modulation;
 
-    for (const bool flag : signal.connected)
-        flags += flag ? 1 : 0;
-
-    if (flags != signal.connectionCount)
+    if (std::count (signal.connected.begin(), signal.connected.end(), true) !=
+        signal.connectionCount)
         return "connections";
 
     for (std::size_t i = 0; i < static_cast<std::size_t> (signal.connectionCount); ++i)
         if (! signal_matrix_get (signal, signal.connSource[i], signal.connDest[i]))
             return "a connection without its flag";
 
-    const auto& modulation = processor.engine->modulation;
-    flags = 0;
-
-    for (const bool flag : modulation.modGrid)
-        flags += flag ? 1 : 0;
-
-    if (flags != modulation.router.routes.size())
+    if (std::count (modulation.modGrid.begin(), modulation.modGrid.end(), true) !=
+        modulation.router.routes.size())
         return "routes";
 
     for (const auto* route : modulation.router.routes)

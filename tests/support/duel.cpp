@@ -68,11 +68,11 @@ void Duel::route (int source, int dest, bool on)
     engine->route (source, dest, on);
 }
 
-void Duel::disconnectAll()
+void Duel::connectAll (bool on)
 {
     for (int destination = 0; destination < kNumSignalDests; ++destination)
         for (int source = 0; source < kNumSignalSources; ++source)
-            connect (source, destination, false);
+            connect (source, destination, on);
 }
 
 void Duel::midi (std::uint8_t status, std::uint8_t data1, std::uint8_t data2)

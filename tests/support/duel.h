@@ -64,7 +64,7 @@ public:
 
     void connect (int source, int destination, bool on);
     void route (int source, int dest, bool on);
-    void disconnectAll();
+    void connectAll (bool on);
 
     /** An event of the coming block; its place in the block is spread, which must not matter. */
     void midi (std::uint8_t status, std::uint8_t data1, std::uint8_t data2);

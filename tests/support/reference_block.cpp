@@ -21,11 +21,11 @@ void ReferenceEngine::process (const float (&params)[kNumParams], std::optional<
     if (n == 0)
         return;
 
-    setDelayTime (delay1, delaySync1, mult1, delayTimeNorm1, delayTime1, bpm);
-    setDelayTime (delay2, delaySync2, mult2, delayTimeNorm2, delayTime2, bpm);
-
-    plan1 = planned (lfoSync1, lfoRate1, lfoRateNorm1, lfoPhase1, bpm, position, n);
-    plan2 = planned (lfoSync2, lfoRate2, lfoRateNorm2, lfoPhase2, bpm, position, n);
+    for (Side& side : sides)
+    {
+        setDelayTime (side, bpm);
+        side.plan = planned (side, bpm, position, n);
+    }
 
     for (int done = 0; done < n;)
     {
@@ -40,8 +40,8 @@ void ReferenceEngine::process (const float (&params)[kNumParams], std::optional<
         done += m;
     }
 
-    lfoPhase1 = plan1.phase;
-    lfoPhase2 = plan2.phase;
+    for (Side& side : sides)
+        side.lfoPhase = side.plan.phase;
 
     bool finite = signalStateIsFinite();
 
@@ -58,32 +58,28 @@ void ReferenceEngine::process (const float (&params)[kNumParams], std::optional<
         ++nonFiniteRescues;
         clearSignalState();
 
-        for (DelayFad* line : { &delay1, &delay2 })
-        {
-            line->out = std::isfinite (line->out) ? line->out : 0.0f;
-            line->lastIn = std::isfinite (line->lastIn) ? line->lastIn : 0.0f;
-        }
+        for (Side& side : sides)
+            for (float* value : { &side.delay.out, &side.delay.lastIn })
+                *value = std::isfinite (*value) ? *value : 0.0f;
+
+        // The other sources are made anew by each tick.
+        modSources[0] = std::isfinite (modSources[0]) ? modSources[0] : 0.0f;
     }
 }
 
 bool ReferenceEngine::signalStateIsFinite() const
 {
-    bool finite = std::isfinite (envelope.envState);
+    bool finite = std::isfinite (envState);
 
-    for (const FilterMultimode* f : { &filter1, &filter2 })
-        finite = finite && std::isfinite (f->low) && std::isfinite (f->high) &&
-                 std::isfinite (f->band) && std::isfinite (f->notch) && std::isfinite (f->out);
+    for (const Side& s : sides)
+        for (const double value :
+             { s.filter.low, s.filter.high, s.filter.band, s.filter.notch, double { s.filter.out },
+               double { s.delay.out }, double { s.delay.lastIn } })
+            finite = finite && std::isfinite (value);
 
-    for (const DelayFad* line : { &delay1, &delay2 })
-        finite = finite && std::isfinite (line->out) && std::isfinite (line->lastIn);
-
-    for (const float value : signalSources)
-        finite = finite && std::isfinite (value);
-
-    for (const float value : signalDests)
-        finite = finite && std::isfinite (value);
-
-    return finite;
+    const auto isFinite = [] (float value) { return std::isfinite (value); };
+    return finite && std::ranges::all_of (signalSources, isFinite) &&
+           std::ranges::all_of (signalDests, isFinite);
 }
 
 namespace
@@ -107,10 +103,7 @@ float lfoRateNormOf (float a)
 void setFilterBlock (FilterMultimode& filter, float reso, float m)
 {
     filter.q = static_cast<double> (reso) * 0.1;
-    filter.notchMix = 0.0f;
-    filter.lowMix = 0.0f;
-    filter.bandMix = 0.0f;
-    filter.highMix = 0.0f;
+    filter.notchMix = filter.lowMix = filter.bandMix = filter.highMix = 0.0f;
 
     if (m < 0.33333334f)
     {
@@ -170,85 +163,73 @@ void setLfoBlock (GenLFO& lfo, float wave, float skew)
 }
 }  // namespace
 
+float ReferenceEngine::envelopeCoef (float time) const
+{
+    const float samples = time * 0.5f * globals.rate;
+    return static_cast<float> (std::exp (-1.0 / static_cast<double> (samples)));
+}
+
 void ReferenceEngine::writeSnapshot (const float (&p)[kNumParams])
 {
     inputGain = p[48];
     mono = isOn (p[49]);
     killTarget = isOn (p[50]) ? 0.0f : 1.0f;
-    phaseSign1 = isOn (p[55]) ? -1.0f : 1.0f;
-    phaseSign2 = isOn (p[56]) ? -1.0f : 1.0f;
     wetGain = p[51];
     dryGain = p[52];
-    level1 = p[53];
-    level2 = p[54];
-    levelMod1 = p[38];
-    levelMod2 = p[39];
-    pan1 = p[40];
-    pan2 = p[41];
-    panMod1 = p[42];
-    panMod2 = p[43];
-
-    delayTime1 = p[0];
-    delayTime2 = p[1];
-    delayTimeNorm1 = (p[0] - 2.0f) / 998.0f;
-    delayTimeNorm2 = (p[1] - 2.0f) / 998.0f;
-    mult1 = multTable[choice (p[16])];
-    mult2 = multTable[choice (p[17])];
-    delaySync1 = isOn (p[6]);
-    delaySync2 = isOn (p[7]);
-    fine1 = limited (0.5f, 1.5f, p[2]);
-    fine2 = limited (0.5f, 1.5f, p[3]);
-    delayMod1 = p[4];
-    delayMod2 = p[5];
-    delay1.reverseRequest = isOn (p[10]);
-    delay2.reverseRequest = isOn (p[11]);
-    delay1.loop = isOn (p[8]);
-    delay2.loop = isOn (p[9]);
-    delay1.thru = isOn (p[12]) ? 1.0f : 0.0f;
-    delay2.thru = isOn (p[13]) ? 1.0f : 0.0f;
-    feedback1 = isOn (p[8]) ? 0.0f : p[14];
-    feedback2 = isOn (p[9]) ? 0.0f : p[15];
-
-    satK1 = satKOf (p[36]);
-    satK2 = satKOf (p[37]);
-
-    filterFreqNorm1 = filterFreqNormOf (p[28]);
-    filterFreqNorm2 = filterFreqNormOf (p[29]);
-    filterMod1 = 0.5f * p[30];
-    filterMod2 = 0.5f * p[31];
-    setFilterBlock (filter1, p[32], p[34]);
-    setFilterBlock (filter2, p[33], p[35]);
-
-    lfoRate1 = p[18];
-    lfoRate2 = p[19];
-    lfoRateNorm1 = lfoRateNormOf (p[18]);
-    lfoRateNorm2 = lfoRateNormOf (p[19]);
-    lfoSync1 = isOn (p[22]);
-    lfoSync2 = isOn (p[23]);
     lfo2Reset = isOn (p[44]);
-    setLfoBlock (lfo1, p[24], p[26]);
-    setLfoBlock (lfo2, p[25], p[27]);
-
     envSensitivity = p[45];
-    envelope.attackTime = p[46] * 0.5f;
-    envelope.decayTime = p[47] * 0.5f;
-    updateEnvelopeCoefs();
+    attackCoef = envelopeCoef (p[46]);
+    decayCoef = envelopeCoef (p[47]);
+
+    // What there is two of stands side by side in the catalogue.
+    writeSide (sides[0], p);
+    writeSide (sides[1], p + 1);
 }
 
-void ReferenceEngine::setDelayTime (DelayFad& line, bool sync, std::int32_t mult, float timeNorm,
-                                    float time, double bpm) const
+void ReferenceEngine::writeSide (Side& side, const float* p) const
 {
+    side.phaseSign = isOn (p[55]) ? -1.0f : 1.0f;
+    side.level = p[53];
+    side.levelMod = p[38];
+    side.pan = p[40];
+    side.panMod = p[42];
+
+    side.delayTime = p[0];
+    side.delayTimeNorm = (p[0] - 2.0f) / 998.0f;
+    side.mult = multTable[choice (p[16])];
+    side.delaySync = isOn (p[6]);
+    side.fine = limited (0.5f, 1.5f, p[2]);
+    side.delayMod = p[4];
+    side.delay.reverseRequest = isOn (p[10]);
+    side.delay.loop = isOn (p[8]);
+    side.delay.thru = isOn (p[12]) ? 1.0f : 0.0f;
+    side.feedback = isOn (p[8]) ? 0.0f : p[14];
+    side.satK = satKOf (p[36]);
+
+    side.filterFreqNorm = filterFreqNormOf (p[28]);
+    side.filterMod = 0.5f * p[30];
+    setFilterBlock (side.filter, p[32], p[34]);
+
+    side.lfoRate = p[18];
+    side.lfoRateNorm = lfoRateNormOf (p[18]);
+    side.lfoSync = isOn (p[22]);
+    setLfoBlock (side.lfo, p[24], p[26]);
+}
+
+void ReferenceEngine::setDelayTime (Side& side, double bpm) const
+{
+    DelayFad& line = side.delay;
     float t = 0.0f;
 
-    if (sync)
+    if (side.delaySync)
     {
         const auto msPerBeat = static_cast<float> (60000.0 / bpm);
-        const float beat = gBeatMults[syncBeatIndex (timeNorm)];
-        t = static_cast<float> (mult) * beat * msPerBeat;
+        const float beat = gBeatMults[syncBeatIndex (side.delayTimeNorm)];
+        t = static_cast<float> (side.mult) * beat * msPerBeat;
     }
     else
     {
-        t = static_cast<float> (mult) * time;
+        t = static_cast<float> (side.mult) * side.delayTime;
     }
 
     t = t < 12000.0f ? t : 12000.0f;
@@ -263,23 +244,22 @@ void ReferenceEngine::setDelayTime (DelayFad& line, bool sync, std::int32_t mult
     {
         line.delaySamples = n;
 
-        if (sync)
+        if (side.delaySync)
             line.resetPending = true;
     }
 }
 
-PhasePlan ReferenceEngine::planned (bool sync, float rate, float rateNorm, double lfoPhase,
-                                    double bpm, double ppq, int n) const
+PhasePlan ReferenceEngine::planned (const Side& side, double bpm, double ppq, int n) const
 {
     const double length = static_cast<double> (n) * (1.0 / sampleRate);
     const int ticks = n < 4 ? 1 : n / 4;
 
-    if (! sync)
-        return { 2.0 * static_cast<double> (rate) * length / static_cast<double> (ticks),
-                 lfoPhase };
+    if (! side.lfoSync)
+        return { 2.0 * static_cast<double> (side.lfoRate) * length / static_cast<double> (ticks),
+                 side.lfoPhase };
 
     const double beats = bpm / 60.0 * length;
-    const float beat = gBeatMults[syncBeatIndex (1.0f - rateNorm)];
+    const float beat = gBeatMults[syncBeatIndex (1.0f - side.lfoRateNorm)];
     const float b = beat > 0.000001f ? beat : 0.000001f;
     const float beatTicks = b * static_cast<float> (ticks);
     return { beats / static_cast<double> (beatTicks), ppq / static_cast<double> (b) };
@@ -303,6 +283,8 @@ double reducedPhase (double phase)
 
 void ReferenceEngine::stepPhases()
 {
+    PhasePlan& plan1 = sides[0].plan;
+    PhasePlan& plan2 = sides[1].plan;
     double candidate = 0.0;
 
     if (! (lfo2Reset && plan1.phase <= 1.0 / sampleRate))
@@ -314,64 +296,78 @@ void ReferenceEngine::stepPhases()
     plan2.phase = isWrapping && lfo2Reset ? 0.0 : candidate;
 }
 
-void ReferenceEngine::routeModulation()
-{
-    modDests.fill (0.0f);
-
-    for (const ModRoute& r : routes)
-        modDests[static_cast<std::size_t> (r.dest)] +=
-            modSources[static_cast<std::size_t> (r.source)];
-}
-
 void ReferenceEngine::tick()
 {
     antiDenormalOffset = -antiDenormalOffset;
 
     stepPhases();
-    modSources[1] = gen_LFO_dsp_phasor (lfo1, plan1.phase);
-    modSources[2] = gen_LFO_dsp_phasor (lfo2, plan2.phase);
+    modSources[1] = gen_LFO_dsp_phasor (sides[0].lfo, sides[0].plan.phase);
+    modSources[2] = gen_LFO_dsp_phasor (sides[1].lfo, sides[1].plan.phase);
     modSources[3] = noteValue;
     modSources[4] = rampTick (gateRamp, gate);
     modSources[5] = modWheel;
 
-    routeModulation();
+    modDests.fill (0.0f);
 
-    outputLevel1 = atLeast (0.0f, level1 + levelMod1 * modDests[8]);
-    outputLevel2 = atLeast (0.0f, level2 + levelMod2 * modDests[9]);
+    for (const ModRoute& r : routes)
+        modDests[static_cast<std::size_t> (r.dest)] +=
+            modSources[static_cast<std::size_t> (r.source)];
 
-    setPan (panner1, limited (0.0f, 1.0f, pan1 + panMod1 * modDests[6]));
-    setPan (panner2, limited (0.0f, 1.0f, pan2 + panMod2 * modDests[7]));
-
-    const float x1 = limited (0.0f, 1.0f, filterFreqNorm1 + filterMod1 * modDests[4]);
-    const float x2 = limited (0.0f, 1.0f, filterFreqNorm2 + filterMod2 * modDests[5]);
-    setCoef (filter1, tableLookup (freqTable, x1));
-    setDamp (filter1);
-    setCoef (filter2, tableLookup (freqTable, x2));
-    setDamp (filter2);
-
-    delay1.readRate = limited (0.5f, 1.5f, fine1 + delayMod1 * modDests[0]);
-    delay1.writeRate = delay1.readRate;
-    delay2.readRate = limited (0.5f, 1.5f, fine2 + delayMod2 * modDests[1]);
-    delay2.writeRate = delay2.readRate;
-
-    // The destinations 2 and 3, the LFOs' rates, reach nothing.
+    modulate (sides[0], 0);
+    modulate (sides[1], 1);
     kill = rampTick (killRamp, killTarget);
+}
+
+void ReferenceEngine::modulate (Side& side, std::size_t which) const
+{
+    // The destinations 2 and 3, the LFOs' rates, reach nothing.
+    side.delay.rate = limited (0.5f, 1.5f, side.fine + side.delayMod * modDests[which]);
+    const float x =
+        limited (0.0f, 1.0f, side.filterFreqNorm + side.filterMod * modDests[4 + which]);
+    setFrequency (side.filter, tableLookup (freqTable, x));
+    const float pan = limited (0.0f, 1.0f, side.pan + side.panMod * modDests[6 + which]);
+    side.gainR = tableLookup (panTable, pan);
+    side.gainL = 1.0f - side.gainR;
+    side.outputLevel = atLeast (0.0f, side.level + side.levelMod * modDests[8 + which]);
 }
 
 void ReferenceEngine::updateEnvelope()
 {
     const float x = envSum;
-    const float c = x <= envelope.envState ? envelope.decayCoef : envelope.attackCoef;
-    envelope.envState = x + (envelope.envState - x) * c;
-    modSources[0] = envelope.envState * envSensitivity;
+    const float c = x <= envState ? decayCoef : attackCoef;
+    envState = x + (envState - x) * c;
+    modSources[0] = envState * envSensitivity;
 }
 
 // The sample
 
+namespace
+{
+float feedbackShaped (float feedback, float x)
+{
+    if (x > 1.0f)
+        return feedback * 0.76f;
+
+    if (x < -1.0f)
+        return feedback * -0.76f;
+
+    return (feedback * 0.38f) * (3.0f * x - x * x * x);
+}
+
+float saturated (float satK, float x)
+{
+    return (satK + 1.0f) * x / (1.0f + satK * std::fabs (x));
+}
+}  // namespace
+
 void ReferenceEngine::sample (float& ch0, float& ch1)
 {
-    signalSources[6] = saturated (satK1, signalDests[6]);
-    signalSources[7] = saturated (satK2, signalDests[7]);
+    for (std::size_t k = 0; k < 2; ++k)
+    {
+        signalSources[2 + k] = sides[k].delay.out;
+        signalSources[4 + k] = sides[k].filter.out;
+        signalSources[6 + k] = saturated (sides[k].satK, signalDests[6 + k]);
+    }
 
     const float in0 = std::isfinite (ch0) ? ch0 : 0.0f;
     const float in1 = std::isfinite (ch1) ? ch1 : 0.0f;
@@ -386,13 +382,8 @@ void ReferenceEngine::sample (float& ch0, float& ch1)
     }
 
     envSum += std::fabs (l) + std::fabs (r);
-    signalSources[0] = phaseSign1 * (kill * l);
-    signalSources[1] = phaseSign2 * (kill * r);
-
-    signalSources[2] = delay1.out;
-    signalSources[3] = delay2.out;
-    signalSources[4] = filter1.out;
-    signalSources[5] = filter2.out;
+    signalSources[0] = sides[0].phaseSign * (kill * l);
+    signalSources[1] = sides[1].phaseSign * (kill * r);
 
     const auto count = static_cast<std::size_t> (connectionCount);
 
@@ -403,40 +394,20 @@ void ReferenceEngine::sample (float& ch0, float& ch1)
         signalDests[static_cast<std::size_t> (connDest[i])] +=
             signalSources[static_cast<std::size_t> (connSource[i])];
 
-    delay_fad_dsp (delay1, signalDests[0] + feedbackShaped (feedback1, signalDests[2]));
-    delay_fad_dsp (delay2, signalDests[1] + feedbackShaped (feedback2, signalDests[3]));
+    for (std::size_t k = 0; k < 2; ++k)
+    {
+        delay_fad_dsp (sides[k].delay,
+                       signalDests[k] + feedbackShaped (sides[k].feedback, signalDests[2 + k]));
+        filter_multimode_dsp_morph (sides[k].filter, signalDests[4 + k]);
+    }
 
-    filter_multimode_dsp_morph (filter1, signalDests[4]);
-    filter_multimode_dsp_morph (filter2, signalDests[5]);
-
-    const float p1 = signalDests[8] * outputLevel1;
-    panner1.outL = p1 * panner1.gainL;
-    panner1.outR = p1 * panner1.gainR;
-    const float p2 = signalDests[9] * outputLevel2;
-    panner2.outL = p2 * panner2.gainL;
-    panner2.outR = p2 * panner2.gainR;
-
-    const float wetL = panner1.outL + panner2.outL;
-    const float wetR = panner1.outR + panner2.outR;
+    const float p1 = signalDests[8] * sides[0].outputLevel;
+    const float p2 = signalDests[9] * sides[1].outputLevel;
+    const float wetL = p1 * sides[0].gainL + p2 * sides[1].gainL;
+    const float wetR = p1 * sides[0].gainR + p2 * sides[1].gainR;
 
     // In this order: in a one-channel buffer both are one sample, and the right side stays.
     ch0 = clipped (wetGain * wetL + dryGain * l);
     ch1 = clipped (wetGain * wetR + dryGain * r);
-}
-
-float ReferenceEngine::feedbackShaped (float feedback, float x)
-{
-    if (x > 1.0f)
-        return feedback * 0.76f;
-
-    if (x < -1.0f)
-        return feedback * -0.76f;
-
-    return (feedback * 0.38f) * (3.0f * x - x * x * x);
-}
-
-float ReferenceEngine::saturated (float satK, float x)
-{
-    return (satK + 1.0f) * x / (1.0f + satK * std::fabs (x));
 }
 }  // namespace reference

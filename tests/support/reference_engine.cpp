@@ -18,34 +18,31 @@ void Globals::setRate (double newRate)
 
 ReferenceEngine::ReferenceEngine (Globals& globalsOfTheProcess) : globals (globalsOfTheProcess)
 {
-    constructDelay (delay1);
-    constructDelay (delay2);
+    for (Side& side : sides)
+        constructDelay (side.delay);
 
-    router_panner_1to2_init (panner1);
-    router_panner_1to2_init (panner2);
+    setRampCount (killRamp);
+    setRampCount (gateRamp);
 
-    gen_LFO_init (lfo1);
-    gen_LFO_init (lfo2);
-
-    for (RampGenerator* ramp : { &killRamp, &gateRamp })
+    for (std::size_t i = 0; i < 1024; ++i)
     {
-        const auto count = static_cast<std::uint64_t> (truncated (0.001f * globals.rate));
-        ramp->upCount = count == 0 ? 1 : count;
-        ramp->downCount = ramp->upCount;
+        const auto place = static_cast<double> (i);
+        freqTable[i] =
+            static_cast<float> (40.0 * std::exp2 (place / 1023.0 * kLn450 / 0.6931471805599453));
+        const auto position = static_cast<double> (static_cast<float> (i) / 1023.0f);
+        const auto s = static_cast<float> (std::sin (position * kPi * 0.5));
+        panTable[i] = s * s;
     }
 
-    for (int i = 0; i < 1024; ++i)
-        freqTable[static_cast<std::size_t> (i)] =
-            static_cast<float> (40.0 * std::exp2 (i / 1023.0 * kLn450 / 0.6931471805599453));
-
     freqTable[1024] = freqTable[1023];
+    panTable[1024] = panTable[1023];
 
-    connect (0, 0, true);
-    connect (1, 1, true);
-    connect (2, 2, true);
-    connect (3, 3, true);
-    connect (2, 8, true);
-    connect (3, 9, true);
+    constexpr int kConnections[][2] = {
+        { 0, 0 }, { 1, 1 }, { 2, 2 }, { 3, 3 }, { 2, 8 }, { 3, 9 }
+    };
+
+    for (const auto& [source, destination] : kConnections)
+        connect (source, destination, true);
 }
 
 void ReferenceEngine::constructDelay (DelayFad& line) const
@@ -66,14 +63,28 @@ void ReferenceEngine::prepare (double rate)
     sampleRate = rate;
     globals.setRate (rate);
 
-    resizeDelay (delay1);
-    resizeDelay (delay2);
+    for (Side& side : sides)
+        resizeDelay (side.delay);
 
-    rampSetRate (killRamp);
-    rampSetRate (gateRamp);
+    for (RampGenerator* ramp : { &killRamp, &gateRamp })
+    {
+        setRampCount (*ramp);
+        const auto target = static_cast<double> (ramp->target);
 
-    updateEnvelopeCoefs();
+        if (ramp->value != target)
+        {
+            ramp->remaining = ramp->count;
+            ramp->step = (target - ramp->value) / static_cast<double> (ramp->count);
+        }
+    }
+
     clearSignalState();
+}
+
+void ReferenceEngine::setRampCount (RampGenerator& ramp) const
+{
+    const auto count = static_cast<std::uint64_t> (truncated (0.001f * globals.rate));
+    ramp.count = count == 0 ? 1 : count;
 }
 
 void ReferenceEngine::resizeDelay (DelayFad& line) const
@@ -90,57 +101,35 @@ void ReferenceEngine::resizeDelay (DelayFad& line) const
         line.writePos = static_cast<float> (line.delaySamples) - 1.0f;
         line.readPos = 0.0f;
         line.lastIn = 0.0f;
-        line.readRate = 1.0f;
-        line.writeRate = 1.0f;
     }
-}
-
-void ReferenceEngine::updateEnvelopeCoefs()
-{
-    const auto coefOf = [this] (float time)
-    {
-        const float samples = time * globals.rate;
-        return static_cast<float> (std::exp (-1.0 / static_cast<double> (samples)));
-    };
-
-    envelope.attackCoef = coefOf (envelope.attackTime);
-    envelope.decayCoef = coefOf (envelope.decayTime);
-}
-
-void ReferenceEngine::clearDelay (DelayFad& line) const
-{
-    std::fill (line.buffer.begin(), line.buffer.end(), 0.0f);
-    line.readPos = 0.0f;
-    line.writePos = static_cast<float> (line.delaySamples) - 1.0f;
 }
 
 void ReferenceEngine::clearSignalState()
 {
-    clearDelay (delay1);
-    clearDelay (delay2);
-
-    for (FilterMultimode* filter : { &filter1, &filter2 })
+    for (Side& side : sides)
     {
-        filter->out = 0.0f;
-        filter->low = 0.0;
-        filter->high = 0.0;
-        filter->band = 0.0;
-        filter->notch = 0.0;
+        DelayFad& line = side.delay;
+        std::fill (line.buffer.begin(), line.buffer.end(), 0.0f);
+        line.readPos = 0.0f;
+        line.writePos = static_cast<float> (line.delaySamples) - 1.0f;
+
+        FilterMultimode& filter = side.filter;
+        filter.out = 0.0f;
+        filter.low = filter.high = filter.band = filter.notch = 0.0;
+        side.lfoPhase = 0.0;
     }
 
-    envelope.envState = 0.0f;
+    envState = 0.0f;
     gate = 0.0f;
     signalSources.fill (0.0f);
     signalDests.fill (0.0f);
-    lfoPhase1 = 0.0;
-    lfoPhase2 = 0.0;
     held.fill (false);
     heldCount = 0;
 }
 
 // Helpers of the tick
 
-float ReferenceEngine::tableLookup (const std::array<float, 1025>& table, float x)
+float tableLookup (const std::array<float, 1025>& table, float x)
 {
     const float p = 1023.0f * x;
     const auto i = static_cast<std::size_t> (truncated (p));
@@ -150,7 +139,7 @@ float ReferenceEngine::tableLookup (const std::array<float, 1025>& table, float 
     return static_cast<float> (first + static_cast<double> (second));
 }
 
-float ReferenceEngine::rampTick (RampGenerator& ramp, float x)
+float rampTick (RampGenerator& ramp, float x)
 {
     const auto wide = static_cast<double> (x);
 
@@ -158,10 +147,8 @@ float ReferenceEngine::rampTick (RampGenerator& ramp, float x)
     {
         ramp.target = x;
 
-        if (ramp.value > wide)
-            ramp.remaining = ramp.downCount;
-        else if (wide > ramp.value)
-            ramp.remaining = ramp.upCount;
+        if (ramp.value != wide)
+            ramp.remaining = ramp.count;
 
         // At rest on x already, this is 0 / 0; it isn't used before it is set anew.
         ramp.step = (wide - ramp.value) / static_cast<double> (ramp.remaining);
@@ -181,31 +168,7 @@ float ReferenceEngine::rampTick (RampGenerator& ramp, float x)
     return ramp.output;
 }
 
-void ReferenceEngine::rampSetRate (RampGenerator& ramp) const
-{
-    const auto countOf = [this] (float time)
-    {
-        const auto count = static_cast<std::uint64_t> (truncated (time * globals.rate));
-        return count == 0 ? std::uint64_t { 1 } : count;
-    };
-
-    ramp.upCount = countOf (ramp.upTime);
-    ramp.downCount = countOf (ramp.downTime);
-    const auto target = static_cast<double> (ramp.target);
-
-    if (ramp.value > target)
-    {
-        ramp.remaining = ramp.downCount;
-        ramp.step = (target - ramp.value) / static_cast<double> (ramp.downCount);
-    }
-    else if (target > ramp.value)
-    {
-        ramp.remaining = ramp.upCount;
-        ramp.step = (target - ramp.value) / static_cast<double> (ramp.upCount);
-    }
-}
-
-int ReferenceEngine::syncBeatIndex (float t)
+int syncBeatIndex (float t)
 {
     const float u = t < 0.0f ? 0.0f : (t < 1.0f ? t : 1.0f) * 0.99f * 15.0f;
     return static_cast<int> (std::clamp<std::int64_t> (truncated (u), 0, 14));

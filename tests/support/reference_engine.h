@@ -36,8 +36,7 @@ struct DelayFad
     std::vector<float> buffer;
     float readPos = 0.0f;
     float writePos = 0.0f;
-    float readRate = 1.0f;   ///< slots a sample
-    float writeRate = 1.0f;  ///< slots a sample
+    float rate = 1.0f;  ///< of both heads, slots a sample
     float lastIn = 0.0f;
     bool resetPending = true;
     bool reverse = false;
@@ -58,41 +57,23 @@ struct FilterMultimode
     float out = 0.0f;
 };
 
-/** Pan stage with a table of sine squared. */
-struct RouterPanner1to2
-{
-    std::array<float, 1025> table {};
-    float gainL = 0.0f, gainR = 0.0f;
-    float outL = 0.0f, outR = 0.0f;
-};
-
 struct GenLFO
 {
     std::uint16_t kind = 0;  ///< 0 sine, 1 square, 2 triangle, 3 random
     float skew = 0.001f;
     float shapeA = 0.1996f;
     float shapeB = 0.0f;
-    std::array<float, 512> table {};
     std::int64_t randomState = 3321;
     float lastPhase = 999.0f;
     float randomTarget = 0.0f;
     float randomStart = 0.0f;
-    float output = 0.0f;
-};
-
-struct EnvelopeFollower
-{
-    float attackTime = 0.0f, decayTime = 0.0f;  ///< half the seconds of the parameters
-    float attackCoef = 0.0f, decayCoef = 0.0f;
-    float envState = 0.0f;
 };
 
 /** Linear ramp that moves once a tick though its counts are reckoned in samples. */
 struct RampGenerator
 {
     float target = 0.0f;
-    float upTime = 0.001f, downTime = 0.001f;  ///< seconds
-    std::uint64_t upCount = 0, downCount = 0;
+    std::uint64_t count = 0;  ///< ticks that a move takes
     double value = 0.0, step = 0.0;
     std::uint64_t remaining = 0;
     float output = 0.0f;
@@ -111,8 +92,28 @@ struct PhasePlan
     double phase = 0.0;      ///< at first where the block starts, then where the last tick stood
 };
 
-/** The engine. All state is public, to be looked at. Any one thread. Between calls the state is that
-    between blocks. */
+/** What there is two of, with what the parameters and the last tick have made of it. */
+struct Side
+{
+    DelayFad delay;
+    FilterMultimode filter;
+    GenLFO lfo;
+    PhasePlan plan;  ///< of the LFO, made anew by each block
+    double lfoPhase = 0.0;
+    float gainL = 0.0f, gainR = 0.0f;  ///< of the panner
+    float phaseSign = 1.0f, satK = 0.0f, feedback = 0.0f;
+    float delayTime = 500.0f, delayTimeNorm = 0.5f;
+    std::int32_t mult = 2;
+    bool delaySync = false, lfoSync = false;
+    float fine = 1.0f, delayMod = 0.0f;
+    float lfoRate = 1.0f, lfoRateNorm = 0.5f;
+    float filterFreqNorm = 0.8f, filterMod = 0.0f;
+    float pan = 0.5f, panMod = 0.0f;
+    float level = 1.0f, levelMod = 0.0f;
+    float outputLevel = 0.0f;  ///< after modulation
+};
+
+/** The engine. Any one thread. Between calls the state is that between blocks. */
 struct ReferenceEngine
 {
     /** In the process whose globals these are; they must outlive the engine. */
@@ -138,31 +139,11 @@ struct ReferenceEngine
     void process (const float (&params)[kNumParams], std::optional<double> tempo,
                   std::optional<double> ppq, float* ch0, float* ch1OrNull, int n);
 
-    // Stages, callable on their own.
-    static float tableLookup (const std::array<float, 1025>& table, float x);
-    static float rampTick (RampGenerator&, float x);
-    static int syncBeatIndex (float t);
-    static float feedbackShaped (float feedback, float x);
-    static float saturated (float satK, float x);
-    static void delay_fad_dsp (DelayFad&, float in);
-    static void router_panner_1to2_init (RouterPanner1to2&);
-    static void setPan (RouterPanner1to2&, float p);
-    static void gen_LFO_init (GenLFO&);
-    static float gen_LFO_dsp_phasor (GenLFO&, double phase);
-    static void setDamp (FilterMultimode&);
-    void setCoef (FilterMultimode&, float freq) const;
-    void filter_multimode_dsp_morph (FilterMultimode&, float in);
-    void rampSetRate (RampGenerator&) const;
-
     Globals& globals;
 
-    DelayFad delay1, delay2;
-    FilterMultimode filter1, filter2;
-    RouterPanner1to2 panner1, panner2;
-    GenLFO lfo1, lfo2;
-    EnvelopeFollower envelope;
+    std::array<Side, 2> sides;
     RampGenerator killRamp, gateRamp;
-    std::array<float, 1025> freqTable {};
+    std::array<float, 1025> freqTable {}, panTable {};
 
     std::vector<ModRoute> routes;  ///< in the order in which they were made
     std::array<float, 6> modSources {};
@@ -174,23 +155,11 @@ struct ReferenceEngine
     std::array<std::int32_t, 80> connDest {};
     std::int32_t connectionCount = 0;
 
-    float inputGain = 1.0f;
-    bool mono = false;
-    float killTarget = 1.0f, phaseSign1 = 1.0f, phaseSign2 = 1.0f;
-    float satK1 = 0.0f, satK2 = 0.0f, feedback1 = 0.0f, feedback2 = 0.0f;
-    float wetGain = 1.0f, dryGain = 1.0f;
-    float delayTime1 = 500.0f, delayTime2 = 500.0f;
-    float delayTimeNorm1 = 0.5f, delayTimeNorm2 = 0.5f;
-    std::int32_t mult1 = 2, mult2 = 2;
-    bool delaySync1 = false, delaySync2 = false;
-    float fine1 = 1.0f, fine2 = 1.0f, delayMod1 = 0.0f, delayMod2 = 0.0f;
-    float lfoRate1 = 1.0f, lfoRate2 = 1.0f, lfoRateNorm1 = 0.5f, lfoRateNorm2 = 0.5f;
-    bool lfoSync1 = false, lfoSync2 = false, lfo2Reset = false;
-    double lfoPhase1 = 0.0, lfoPhase2 = 0.0;
-    float filterFreqNorm1 = 0.8f, filterFreqNorm2 = 0.8f, filterMod1 = 0.0f, filterMod2 = 0.0f;
-    float pan1 = 0.25f, pan2 = 0.75f, panMod1 = 0.0f, panMod2 = 0.0f;
-    float level1 = 1.0f, level2 = 1.0f, levelMod1 = 0.0f, levelMod2 = 0.0f;
-    float envSensitivity = 0.0f;
+    float inputGain = 1.0f, wetGain = 1.0f, dryGain = 1.0f;
+    bool mono = false, lfo2Reset = false;
+    float killTarget = 1.0f, kill = 0.0f;
+    float attackCoef = 0.0f, decayCoef = 0.0f, envSensitivity = 0.0f;
+    float envState = 0.0f, envSum = 0.0f;
 
     float noteValue = 0.0f, gate = 0.0f, modWheel = 0.0f;
     std::array<bool, 128> held {};
@@ -198,30 +167,32 @@ struct ReferenceEngine
 
     float antiDenormalOffset = 1e-14f;
     double sampleRate = 44100.0;
-
-    // Of the tick that ran last; made anew by each.
-    float outputLevel1 = 0.0f, outputLevel2 = 0.0f;  ///< after modulation
-    float kill = 0.0f;
-    float envSum = 0.0f;
-    PhasePlan plan1, plan2;
     int nonFiniteRescues = 0;  ///< blocks that ended in clearing the signal state
 
 private:
     void constructDelay (DelayFad&) const;
     void resizeDelay (DelayFad&) const;
-    void updateEnvelopeCoefs();
-    void clearDelay (DelayFad&) const;
+    void setRampCount (RampGenerator&) const;
     void clearSignalState();
     void writeSnapshot (const float (&params)[kNumParams]);
-    void setDelayTime (DelayFad&, bool sync, std::int32_t mult, float timeNorm, float time,
-                       double bpm) const;
-    PhasePlan planned (bool sync, float rate, float rateNorm, double lfoPhase, double bpm,
-                       double ppq, int n) const;
+    void writeSide (Side&, const float* params) const;
+    float envelopeCoef (float time) const;
+    void setDelayTime (Side&, double bpm) const;
+    PhasePlan planned (const Side&, double bpm, double ppq, int n) const;
     void stepPhases();
-    void routeModulation();
     void tick();
+    void modulate (Side&, std::size_t which) const;
     void sample (float& ch0, float& ch1);
     void updateEnvelope();
     bool signalStateIsFinite() const;
+    void setFrequency (FilterMultimode&, float freq) const;
+    void filter_multimode_dsp_morph (FilterMultimode&, float in);
 };
+
+// Stages that need no engine.
+float tableLookup (const std::array<float, 1025>& table, float x);
+float rampTick (RampGenerator&, float x);
+int syncBeatIndex (float t);
+void delay_fad_dsp (DelayFad&, float in);
+float gen_LFO_dsp_phasor (GenLFO&, double phase);
 }  // namespace reference

@@ -9,7 +9,7 @@ namespace reference
 {
 // Delay line
 
-void ReferenceEngine::delay_fad_dsp (DelayFad& line, float in)
+void delay_fad_dsp (DelayFad& line, float in)
 {
     const auto D = static_cast<float> (line.delaySamples);
     const auto S = static_cast<float> (line.bufferSize);
@@ -55,7 +55,7 @@ void ReferenceEngine::delay_fad_dsp (DelayFad& line, float in)
         std::swap (r, w);
     }
 
-    const float readStep = line.readRate / ratio;
+    const float readStep = line.rate / ratio;
 
     if (! line.reverse)
     {
@@ -98,7 +98,7 @@ void ReferenceEngine::delay_fad_dsp (DelayFad& line, float in)
         line.out = (1.0f - f) * buffer[i] + f * buffer[j];
 
         const std::int64_t start = truncated (std::floor (w));
-        w += line.writeRate;
+        w += line.rate;
         const float share =
             std::min (1.0f, 1.0f / (std::floor (w) - static_cast<float> (start) + 1.0f));
 
@@ -117,7 +117,7 @@ void ReferenceEngine::delay_fad_dsp (DelayFad& line, float in)
         line.out = (1.0f - f) * buffer[i] + f * buffer[j] + line.thru * in;
 
         const std::int64_t start = truncated (std::ceil (w));
-        w -= line.writeRate;
+        w -= line.rate;
         const float share =
             std::min (1.0f, 1.0f / (static_cast<float> (start) - std::ceil (w) + 1.0f));
         std::int64_t c = truncated (w);
@@ -142,14 +142,10 @@ void ReferenceEngine::delay_fad_dsp (DelayFad& line, float in)
 
 // Filter
 
-void ReferenceEngine::setCoef (FilterMultimode& filter, float freq) const
+void ReferenceEngine::setFrequency (FilterMultimode& filter, float freq) const
 {
     const auto twiceRate = static_cast<double> (globals.rate + globals.rate);
     filter.coef = std::min (0.25, 2.0 * std::sin (kPi * static_cast<double> (freq) / twiceRate));
-}
-
-void ReferenceEngine::setDamp (FilterMultimode& filter)
-{
     filter.damp = std::min (std::min (2.0, -0.5 * filter.coef + 2.0 / filter.coef),
                             2.0 * (1.0 - std::pow (filter.q, 0.25)));
 }
@@ -186,50 +182,34 @@ void ReferenceEngine::filter_multimode_dsp_morph (FilterMultimode& filter, float
     filter.out = static_cast<float> (y / (1.0 + 0.28 * y * y));
 }
 
-// Panner
-
-void ReferenceEngine::router_panner_1to2_init (RouterPanner1to2& panner)
-{
-    for (int i = 0; i < 1024; ++i)
-    {
-        const auto position = static_cast<double> (static_cast<float> (i) / 1023.0f);
-        const auto s = static_cast<float> (std::sin (position * kPi * 0.5));
-        panner.table[static_cast<std::size_t> (i)] = s * s;
-    }
-
-    panner.table[1024] = panner.table[1023];
-}
-
-void ReferenceEngine::setPan (RouterPanner1to2& panner, float p)
-{
-    panner.gainR = tableLookup (panner.table, p);
-    panner.gainL = 1.0f - panner.gainR;
-}
-
 // LFO
 
-void ReferenceEngine::gen_LFO_init (GenLFO& lfo)
+namespace
 {
-    lfo = GenLFO {};
+std::array<float, 512> sineTable()
+{
+    std::array<float, 512> table {};
 
     for (std::size_t i = 0; i < 128; ++i)
     {
         const double sine = std::sin (kPi / 2.0 * static_cast<double> (i) / 128.0);
         const auto sixPlaces = static_cast<float> (std::round (sine * 1e6) / 1e6);
-        lfo.table[i] = sixPlaces;
-        lfo.table[255 - i] = sixPlaces;
-        lfo.table[256 + i] = -sixPlaces;
-        lfo.table[511 - i] = -sixPlaces;
+        table[i] = sixPlaces;
+        table[255 - i] = sixPlaces;
+        table[256 + i] = -sixPlaces;
+        table[511 - i] = -sixPlaces;
     }
+
+    return table;
 }
 
-namespace
-{
 float sineValue (const GenLFO& lfo, float p)
 {
+    static const auto table = sineTable();
+
     if (lfo.shapeA != 0.0f)
     {
-        const float bend = lfo.shapeA * lfo.table[wrapped (truncated (p * 512.0f), 512)];
+        const float bend = lfo.shapeA * table[wrapped (truncated (p * 512.0f), 512)];
         const float t = (bend + p) * 65536.0f;
         const auto low16 = static_cast<std::uint16_t> (truncated (t));
         p = static_cast<float> (low16) * (1.0f / 65536.0f);
@@ -238,7 +218,7 @@ float sineValue (const GenLFO& lfo, float p)
     p *= 512.0f;
     const std::int64_t i = truncated (p);
     const float f = p - static_cast<float> (i);
-    return f * lfo.table[wrapped (i + 1, 512)] + (1.0f - f) * lfo.table[wrapped (i, 512)];
+    return f * table[wrapped (i + 1, 512)] + (1.0f - f) * table[wrapped (i, 512)];
 }
 
 float randomValue (GenLFO& lfo, float p)
@@ -256,28 +236,20 @@ float randomValue (GenLFO& lfo, float p)
 }
 }  // namespace
 
-float ReferenceEngine::gen_LFO_dsp_phasor (GenLFO& lfo, double phase)
+float gen_LFO_dsp_phasor (GenLFO& lfo, double phase)
 {
     const auto p = static_cast<float> (phase);
 
     switch (lfo.kind)
     {
     case 0:
-        lfo.output = sineValue (lfo, p);
-        break;
+        return sineValue (lfo, p);
     case 1:
-        lfo.output = lfo.skew > p ? 1.0f : -1.0f;
-        break;
+        return lfo.skew > p ? 1.0f : -1.0f;
     case 2:
-        lfo.output = lfo.skew > p ? p * lfo.shapeA - 1.0f : (1.0f - p) * lfo.shapeB - 1.0f;
-        break;
-    case 3:
-        lfo.output = randomValue (lfo, p);
-        break;
+        return lfo.skew > p ? p * lfo.shapeA - 1.0f : (1.0f - p) * lfo.shapeB - 1.0f;
     default:
-        break;
+        return randomValue (lfo, p);
     }
-
-    return lfo.output;
 }
 }  // namespace reference

@@ -17,8 +17,6 @@ namespace
 {
 using Lines = std::vector<std::string>;
 
-constexpr int kNumPositions = 11;
-
 std::string decimal (float value)
 {
     char text[32];
@@ -26,9 +24,9 @@ std::string decimal (float value)
     return text;
 }
 
-juce::String textAt (const juce::RangedAudioParameter& parameter, int position)
+std::string quoted (const juce::String& text)
 {
-    return parameter.getText (static_cast<float> (position) / 10.0f, 0);
+    return text.quoted().toStdString();
 }
 
 std::string stepsOf (const juce::RangedAudioParameter& parameter)
@@ -40,33 +38,29 @@ std::string stepsOf (const juce::RangedAudioParameter& parameter)
                : std::to_string (steps) + " steps";
 }
 
-std::string quoted (const juce::String& text)
-{
-    return text.quoted().toStdString();
-}
-
+/** The texts along the travel, each behind a space. */
 std::string texts (const juce::RangedAudioParameter& parameter)
 {
-    std::ostringstream line;
+    std::string line;
 
-    for (int position = 0; position < kNumPositions; ++position)
-        line << " " << quoted (textAt (parameter, position));
+    for (int position = 0; position <= 10; ++position)
+        line += " " + quoted (parameter.getText (static_cast<float> (position) / 10.0f, 0));
 
-    return line.str();
+    return line;
 }
 
 /** What each of the texts gives when it is typed in, in real units. */
 std::string valuesBack (const juce::RangedAudioParameter& parameter)
 {
-    std::ostringstream line;
+    std::string line;
 
-    for (int position = 0; position < kNumPositions; ++position)
+    for (int position = 0; position <= 10; ++position)
     {
-        const auto typed = parameter.getValueForText (textAt (parameter, position));
-        line << " " << decimal (parameter.convertFrom0to1 (typed));
+        const auto text = parameter.getText (static_cast<float> (position) / 10.0f, 0);
+        line += " " + decimal (parameter.convertFrom0to1 (parameter.getValueForText (text)));
     }
 
-    return line.str();
+    return line;
 }
 
 /** The parameter at that place in the host's list, described by what the host can ask it. */
