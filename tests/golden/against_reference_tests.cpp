@@ -112,6 +112,10 @@ void randomTransport (Duel& duel, Noise& noise)
 int randomLength (Noise& noise)
 {
     const int fixed[] = { 0, 1, 2, 3, 4, 5, 16, 64, 255, 256, 512 };
+
+    if (noise.chance (0.01f))  // the longest that hosts offer
+        return 8192 - noise.below (3);
+
     return noise.chance (0.5f) ? fixed[noise.below (11)] : noise.below (700);
 }
 
