@@ -167,8 +167,10 @@ public:
             instance->sendMidi (event.samplePosition,
                                 { event.data, static_cast<std::size_t> (event.numBytes) });
 
-        instance->run (samples.getWritePointer (0), samples.getWritePointer (1),
-                       static_cast<std::uint32_t> (block.numSamples));
+        EXPECT_EQ (instance->run (samples.getWritePointer (0), samples.getWritePointer (1),
+                                  static_cast<std::uint32_t> (block.numSamples)),
+                   0)
+            << "the plug-in sent MIDI";
     }
 
     void bypass (bool isBypassed) override { instance->enabled = isBypassed ? 0.0f : 1.0f; }

@@ -7,6 +7,7 @@
 #include <deque>
 #include <lilv/lilv.h>
 #include <lv2/atom/forge.h>
+#include <lv2/atom/util.h>
 #include <lv2/buf-size/buf-size.h>
 #include <lv2/core/lv2.h>
 #include <lv2/midi/midi.h>
@@ -183,7 +184,7 @@ void Lv2Instance::sendPosition (std::int64_t frame, bool isRolling, float tempo,
     impl->endObject();
 }
 
-void Lv2Instance::run (float* left, float* right, std::uint32_t numSamples)
+int Lv2Instance::run (float* left, float* right, std::uint32_t numSamples)
 {
     lv2_atom_forge_pop (&impl->forge, &impl->sequence);
 
@@ -200,6 +201,14 @@ void Lv2Instance::run (float* left, float* right, std::uint32_t numSamples)
               impl->forge.Chunk };
     lilv_instance_run (impl->instance.get(), numSamples);
     impl->beginSequence();
+
+    const auto* const sent = reinterpret_cast<const LV2_Atom_Sequence*> (impl->sent.data());
+    int count = 0;
+
+    LV2_ATOM_SEQUENCE_FOREACH (sent, event)
+    count += event->body.type == (*impl)[LV2_MIDI__MidiEvent] ? 1 : 0;
+
+    return count;
 }
 
 std::string Lv2Instance::saveState() const

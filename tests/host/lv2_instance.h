@@ -22,8 +22,8 @@ public:
     /** beat counts quarter notes. A tempo of 0 and a negative beat are left out. */
     void sendPosition (std::int64_t frame, bool isRolling, float tempo, double beat);
 
-    /** Processes in place. */
-    void run (float* left, float* right, std::uint32_t numSamples);
+    /** Processes in place. The number of MIDI events that the plug-in sent. */
+    int run (float* left, float* right, std::uint32_t numSamples);
 
     /** The state as a host's session file keeps it (Turtle), and back. */
     std::string saveState() const;

@@ -125,15 +125,21 @@ TEST_F (RenderPatch, ASavedPatchComesBackToTheSample)
     }
 }
 
-TEST_F (RenderPatch, SavingNeedsNoSoundAndReplacesTheFileThroughALink)
+TEST_F (RenderPatch, FilesAreReplacedThroughLinksAndNothingElseIsLeft)
 {
     render ({ "--preset", "20", "--save-preset", "of/late/made.ZBPRESET" });
     file ("real.zbpreset").replaceWithText ("old");
     ASSERT_TRUE (file ("real.zbpreset").createSymbolicLink (file ("link.zbpreset"), false));
     render ({ "--preset", "./of/late/made.ZBPRESET", "--save-preset", "link.zbpreset" });
     EXPECT_TRUE (file ("link.zbpreset").isSymbolicLink());
-    EXPECT_EQ (content().joinIntoString (","),
-               "in.wav,link.zbpreset,of,of/late,of/late/made.ZBPRESET,real.zbpreset");
+
+    ASSERT_TRUE (file ("in.wav").copyFileTo (file ("real.wav")));
+    ASSERT_TRUE (file ("real.wav").createSymbolicLink (file ("link.wav"), false));
+    render ({ "in.wav", "link.wav" });
+    EXPECT_TRUE (file ("link.wav").isSymbolicLink());
+    EXPECT_EQ (
+        content().joinIntoString (","),
+        "in.wav,link.wav,link.zbpreset,of,of/late,of/late/made.ZBPRESET,real.wav,real.zbpreset");
     expectSamePatch (savedSettings ({ "--preset", "real.zbpreset" }),
                      savedSettings ({ "--preset", "20" }));
 }

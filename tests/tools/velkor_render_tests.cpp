@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-// What velkor-render makes of files: formats, rates, lengths and reports.
+// What velkor-render makes of files: formats, rates and folders.
 
 namespace
 {
@@ -128,21 +128,4 @@ TEST_F (RenderFiles, SeveralInputsGoToAFolderAndDoNotTouchEachOther)
     // The 96 kHz file before it leaves no trace in the second.
     render (longest + Words { "b.wav", "alone.flac" });
     EXPECT_TRUE (file ("alone.flac").hasIdenticalContentTo (file ("made/of/late/b.flac")));
-}
-
-TEST_F (RenderFiles, TheReportIsJsonAndTrue)
-{
-    write ("in \"x\".wav", impulses (1000, 10, 0.5f, 0.0f), 48000.0);
-    const auto result =
-        render (kDryOnly + Words { "--json", "--tempo", "90", "in \"x\".wav", "o.flac" });
-    const auto report = juce::JSON::parse (result.out);
-    const auto& job = report["files"][0];
-    const auto number = [] (const juce::var& value) { return static_cast<double> (value); };
-    EXPECT_EQ (job["input"].toString(), "in \"x\".wav");
-    EXPECT_EQ (number (job["frames"]), 1000.0);
-    EXPECT_EQ (number (job["rate"]), 48000.0);
-    EXPECT_NEAR (number (job["peakDbfs"][0]), -6.0206, 1e-4);
-    EXPECT_NEAR (number (job["rmsDbfs"][0]), -36.0206, 1e-4);  // 30 dB: one of 1000
-    EXPECT_EQ (number (report["settings"]["tempo"]), 90.0);
-    EXPECT_NEAR (number (report["settings"]["parameters"]["Dry Level"]), 1.0, 1e-6);
 }
