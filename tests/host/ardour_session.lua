@@ -14,6 +14,13 @@ assert (not backend:isnil(), "no dummy backend")
 backend:set_device_name ("Silence")
 assert (AudioEngine:start (false) == 0, "the engine does not start")
 
+local function wait_until (seconds, isReached)
+    for _ = 1, 20 * seconds do
+        if isReached() then break end
+        ARDOUR.LuaAPI.usleep (50000)
+    end
+end
+
 -- Takes silence, in real time: it gives the track a region of that length.
 local function record (session, track, seconds)
     for i = 0, 1 do
@@ -25,18 +32,9 @@ local function record (session, track, seconds)
     session:goto_start (false)
     session:request_roll (ARDOUR.TransportRequestSource.TRS_UI)
 
-    for _ = 1, 100 * seconds do
-        if session:transport_sample() >= seconds * rate then break end
-        ARDOUR.LuaAPI.usleep (50000)
-    end
-
+    wait_until (5 * seconds, function() return session:transport_sample() >= seconds * rate end)
     session:request_stop (false, false, ARDOUR.TransportRequestSource.TRS_UI)
-
-    for _ = 1, 100 do
-        if session:transport_stopped() then break end
-        ARDOUR.LuaAPI.usleep (50000)
-    end
-
+    wait_until (5, function() return session:transport_stopped() end)
     ARDOUR.LuaAPI.usleep (500000)    -- the disk's thread still writes
     track:rec_enable_control():set_value (0, PBD.GroupControlDisposition.NoGroup)
     session:disable_record (false, true)
@@ -69,6 +67,7 @@ local function parameters (processor)
 end
 
 local function make (format, id, seconds)
+    os.execute ("rm -rf '" .. folder .. "'")    -- of an attempt that broke off
     local session = create_session (folder, "session", rate)
     assert (session, "no session")
     local tracks = session:new_audio_track (2, 2, nil, 1, "Guitar", ARDOUR.PresentationInfo.max_order,
@@ -83,9 +82,7 @@ local function make (format, id, seconds)
     -- An LV2's parameters are properties, which Lua can't reach: the caller writes them into the session's file.
     if format == "VST3" then
         local numbers = parameters (processor)
-        local set = ARDOUR.LuaAPI.set_processor_param
-        assert (set (processor, numbers["Delay 1 Sync"], 1), "Delay 1 Sync can't be set")
-        assert (set (processor, numbers["Dry Level"], 0), "Dry Level can't be set")
+        assert (ARDOUR.LuaAPI.set_processor_param (processor, numbers["Delay 1 Sync"], 1), "it can't be set")
         automate (processor, numbers["Delay 1 Time"], { { 0, 0.57 }, { 1.7, 0.57 }, { 1.701, 0.37 } })
         automate (processor, numbers["Kill"], { { 0, 0 }, { 2.9, 0 }, { 2.901, 1 } })
     end

@@ -6,11 +6,11 @@
 #   jalv_editor.sh BUNDLE.lv2        0: it plays and shows its window, 1: it does not, 77: a tool is missing
 set -euo pipefail
 
-bundle=$(cd "$1" && pwd)
+bundle=$(cd "$1" && pwd -P)
 
 . "$(dirname "${BASH_SOURCE[0]}")/own_display.sh"
 need jalv.gtk3 jackd jack_lsp jack-play jack-record sox import identify
-export LV2_PATH=${bundle%/*}:/usr/lib/lv2
+export LV2_PATH=${bundle%/*}    # and no other folder: an installed Velkor has the same URI
 export JACK_DEFAULT_SERVER=velkor-$$ JACK_NO_START_SERVER=1 JACK_NO_AUDIO_RESERVATION=1
 
 start jack jackd --name "$JACK_DEFAULT_SERVER" --no-realtime --sync -d dummy -r 48000 -p 1024
@@ -19,6 +19,8 @@ wait_for 20 jack_lsp || fail "jackd does not start"
 start jalv jalv.gtk3 urn:com.zubrow.Velkor
 jalv=$!
 wait_for 30 sh -c 'jack_lsp | grep -q -x Velkor:audio_out_2' || fail "jalv shows no ports of Velkor"
+
+grep -q -F "$bundle/" "/proc/$jalv/maps" || fail "jalv plays another Velkor"
 
 # --- the window -------------------------------------------------------------------------------------
 

@@ -63,9 +63,7 @@ export LV2_PATH=${bundle%/*}
 [ "$(lv2ls)" = "$uri" ] || fail "lv2ls does not find $uri"
 lv2info "$uri" >"$work/info" 2>"$work/complaints" || fail_showing "$work/complaints" "lv2info can't read $uri"
 [ ! -s "$work/complaints" ] || fail_showing "$work/complaints" "lv2info complains"
-
-for line in 'Name: +Velkor' 'Author: +Zubrow Labs' 'Has latency: +yes.*' 'Optional Features: .*hardRTCapable'; do
-    grep -q -x -E "[[:space:]]+$line" "$work/info" || fail_showing "$work/info" "lv2info does not say: $line"
-done
+grep -q 'Optional Features: .*hardRTCapable' "$work/info" ||
+    fail_showing "$work/info" "it doesn't claim to be fit for real time"
 
 echo "$summary, all of them the framework's usual"

@@ -58,12 +58,9 @@ public:
 private:
     juce::MidiMessage anyMessage()
     {
-        const int channel = 1 + random.nextInt (16), data = random.nextInt (128);
-        const juce::MidiMessage kinds[] = { juce::MidiMessage::noteOn (channel, data, 0.7f),
-                                            juce::MidiMessage::noteOff (channel, data),
-                                            juce::MidiMessage::controllerEvent (channel, 1, data),
-                                            juce::MidiMessage::pitchWheel (channel, data << 7) };
-        return kinds[random.nextInt (4)];
+        constexpr int kKinds[] = { 0x90, 0x80, 0xe0, 0xb0 };
+        const int kind = kKinds[random.nextInt (4)], data = random.nextInt (128);
+        return { kind + random.nextInt (16), kind == 0xb0 ? 1 : data, data };
     }
 
     void tellTransport (SessionBlock& block, std::int64_t time)
@@ -254,10 +251,9 @@ void expectWorthComparing (const juce::AudioBuffer<float>& output, const Session
     for (int channel = 0; channel < 2; ++channel)
     {
         const auto* samples = output.getReadPointer (channel);
-        EXPECT_TRUE (std::all_of (samples, samples + numSamples,
-                                  [] (float sample) { return std::isfinite (sample); }));
         EXPECT_FALSE (
             std::equal (samples, samples + numSamples, session.input.getReadPointer (channel)));
-        EXPECT_GT (output.getRMSLevel (channel, 0, numSamples), 0.01f) << "channel " << channel;
+        const float level = output.getRMSLevel (channel, 0, numSamples);
+        EXPECT_TRUE (level > 0.01f && level < 10.0f) << level << " on channel " << channel;
     }
 }

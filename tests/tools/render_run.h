@@ -48,12 +48,17 @@ protected:
     /** Runs it and expects it to succeed in silence. */
     Outcome render (const Words& arguments) const;
 
+    /** Saves the patch that these arguments make as p.zbpreset, and reads the settings that are reported. */
+    juce::var savedSettings (const Words& arguments) const;
+
+    /** That two of those hold the same 57 values, cables and routes; the name may differ. */
+    static void expectSamePatch (const juce::var& got, const juce::var& want);
+
     juce::File file (const std::string& name) const { return folder.getChildFile (name); }
 
-    /** Writes a sound in the format of the name's extension (wav, aiff, flac, ogg). 32 bits is floating
-        point. */
+    /** Writes a WAV file of floating point, and the folders on its way. */
     void write (const std::string& name, const juce::AudioBuffer<float>& samples,
-                double rate = 44100.0, int bits = 32) const;
+                double rate = 44100.0) const;
 
     /** A test failure, and an empty sound, if there is no such file. */
     Sound read (const std::string& name) const;
@@ -79,6 +84,3 @@ Words emptyPatch();
 
 /** Input L through Delay 1, without feedback and multiplier, to the left side; nothing else. */
 Words oneDelay();
-
-/** That a preset file holds the 57 values, cables and routes of another; the name may differ. */
-void expectSamePatch (const juce::File& got, const juce::File& want);
