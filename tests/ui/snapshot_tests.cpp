@@ -153,17 +153,3 @@ TEST (Snapshots, AboutViewLooksAsItWasApproved)
     // Without the block at the bottom, which tells of the machine.
     expectLike ("about-900", picture (view).getClippedImage ({ 0, 0, 900, 675 - 90 }));
 }
-
-// The comparison itself: it must see a fader that moved, and a switch that changed.
-TEST (Snapshots, ComparisonSeesAFaderThatMoved)
-{
-    VelkorAudioProcessor processor;
-    VelkorPanel panel (processor, processor.parameterTree);
-    panel.setSize (750, 525);
-    const auto before = picture (panel);
-    auto& level = parameterOf (processor, WetLevel);
-    level.setValueNotifyingHost (level.getValue() - 0.1f);
-    const auto area = childTitled (panel, "Wet Level")->getBounds().expanded (10);
-    EXPECT_GT (difference (before.getClippedImage (area), picture (panel).getClippedImage (area)),
-               2.0 * kTolerance);
-}
