@@ -143,23 +143,6 @@ TEST_F (BrowserTree, KeepsNamesOfFilesThatHaveGoneUntilTheNextStart)
     EXPECT_TRUE (cacheText().contains ("fileCount=\"1\""));
 }
 
-TEST_F (BrowserTree, FindsTheCurrentProgramByItsFileName)
-{
-    putPreset ("a/Same.zbpreset", "Same");
-    putPreset ("b/Same.zbpreset", "Same");
-    putPreset ("b/Other.zbpreset", "Different");
-    open();
-
-    for (const auto& [name, index] : { std::pair ("Same", 0), std::pair ("Other", 1),
-                                       std::pair ("Different", 0), std::pair ("other", 0) })
-    {
-        processor.currentProgram = 5;
-        processor.presetName = name;
-        browser().makeNewTree();
-        EXPECT_EQ (processor.currentProgram, index) << name;
-    }
-}
-
 TEST_F (BrowserTree, StepsThroughAllPresetsRoundTheEnds)
 {
     open();
