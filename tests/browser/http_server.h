@@ -4,41 +4,27 @@
 #include <juce_core/juce_core.h>
 
 #include <atomic>
-#include <functional>
+#include <memory>
+#include <string>
 #include <utility>
 
-/** A server on the loopback address that answers each request by what the test says. */
+/** A server on the loopback address that gives every request the same answer, in two parts. */
 class HttpServer : private juce::Thread
 {
 public:
-    using Answer = std::function<void (juce::StreamingSocket& to)>;
-
-    explicit HttpServer (Answer how) : juce::Thread ("HttpServer"), answer (std::move (how))
+    HttpServer (std::string firstPart, std::string secondPart, int pauseMs)
+        : juce::Thread ("HttpServer"), first (std::move (firstPart)),
+          second (std::move (secondPart)), pause (pauseMs)
     {
         listener.createListener (0, "127.0.0.1");
-        port = listener.getBoundPort();
         startThread();
     }
 
     ~HttpServer() override { stopThread (5000); }
 
-    juce::URL url (const juce::String& path) const
+    juce::URL url() const
     {
-        return juce::URL ("http://127.0.0.1:" + juce::String (port) + path);
-    }
-
-    /** Sends a head and a body; a length of -1 isn't told. */
-    static void send (juce::StreamingSocket& to, const juce::String& status,
-                      const juce::MemoryBlock& body, juce::int64 length)
-    {
-        auto head = "HTTP/1.1 " + status + "\r\nConnection: close\r\n";
-
-        if (length >= 0)
-            head << "Content-Length: " << length << "\r\n";
-
-        head << "\r\n";
-        to.write (head.toRawUTF8(), static_cast<int> (head.getNumBytesAsUTF8()));
-        to.write (body.getData(), static_cast<int> (body.getSize()));
+        return juce::URL ("http://127.0.0.1:" + juce::String (listener.getBoundPort()) + "/x.zip");
     }
 
     std::atomic<int> requests { 0 };
@@ -52,13 +38,11 @@ private:
                 continue;
 
             const std::unique_ptr<juce::StreamingSocket> to (listener.waitForNextConnection());
-
-            if (to == nullptr)
-                continue;
-
-            readHead (*to);
             ++requests;
-            answer (*to);
+            readHead (*to);
+            to->write (first.data(), static_cast<int> (first.size()));
+            wait (pause);
+            to->write (second.data(), static_cast<int> (second.size()));
         }
     }
 
@@ -74,6 +58,6 @@ private:
     }
 
     juce::StreamingSocket listener;
-    int port = 0;
-    Answer answer;
+    const std::string first, second;
+    const int pause;
 };
