@@ -51,13 +51,6 @@ TEST_F (BrowserWindowMouse, CancelAndEscapeGoBackAndCloseKeeps)
     click (on (*browser().buttons[kCloseCommand]));
     EXPECT_TRUE (hasClosed());
     EXPECT_EQ (delay(), 5.0f);
-
-    // Nothing to go back to: only closes.
-    reopen();
-    browser().undoState.clear();
-    key (juce::KeyPress::escapeKey);
-    EXPECT_TRUE (hasClosed());
-    EXPECT_EQ (delay(), 5.0f);
 }
 
 TEST_F (BrowserWindowMouse, TheStarTogglesAndReopensTheFolder)

@@ -82,20 +82,6 @@ TEST_F (BitmapControls, FaderGoesToItsDefaultOnADoubleClickOutsideOfTheGesture)
     EXPECT_EQ (host.heard, "begin value end begin end value ");
 }
 
-TEST_F (BitmapControls, SwitchesChangeOnThePressAsOneGestureEach)
-{
-    BitmapToggle toggle (parameterOf (processor, Delay1Loop), &processor.undoManager);
-    toggle.setSize (47, 18);
-    HostLog host (processor);
-    Pointer pointer (toggle);
-    pointer.press (10.0f);
-    EXPECT_EQ (valueOf (processor, Delay1Loop), 1.0f);
-    EXPECT_EQ (host.heard, "begin value end ");
-    parameterOf (processor, Delay1Loop).setValueNotifyingHost (0.5f);
-    pointer.press (10.0f);
-    EXPECT_EQ (valueOf (processor, Delay1Loop), 0.0f);
-}
-
 TEST_F (BitmapControls, ChoicesSplitTheirWidthEvenlyAndQuartersCountDownTheColumns)
 {
     const juce::Image strip (juce::Image::ARGB, 92, 72, true);

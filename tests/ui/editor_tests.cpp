@@ -3,7 +3,6 @@
 #include "ui/VelkorAudioProcessorEditor.h"
 #include "ui/ui_fixture.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <thread>
@@ -83,11 +82,6 @@ TEST_F (Editor, MarksThePresetWhileThereIsSomethingToUndo)
     processor.parameterTree.copyState();
     ASSERT_TRUE (processor.undoManager.canUndo());
 
-    auto& repaints = RepaintCount::watch (*editor);
-    editor->timerCallback();
-    editor->timerCallback();
-    EXPECT_EQ (std::count (repaints.areas.begin(), repaints.areas.end(), field), 1);
-    editor->setCachedComponentImage (nullptr);
     EXPECT_FALSE (samePixels (picture(), clean));
 
     click ("UNDO");
@@ -179,6 +173,8 @@ TEST_F (Editor, MakesANewAboutViewAtEveryClickWhichLeavesOnAClick)
     auto& view = *childOf<AboutView> (*editor);
     EXPECT_EQ (view.getBounds(), editor->getLocalBounds());
     EXPECT_TRUE (view.isTimerRunning());
+    EXPECT_TRUE (view.mailLink().contains (
+        "?subject=Velkor help&body=Plugin: Velkor " VELKOR_VERSION "\r\nPlugin Type: "));
     Pointer (view).press (5.0f, 5.0f);
     EXPECT_EQ (childOf<AboutView> (*editor), nullptr);
     EXPECT_FALSE (view.isTimerRunning());

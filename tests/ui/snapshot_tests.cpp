@@ -50,25 +50,14 @@ double difference (const juce::Image& expected, const juce::Image& seen)
     return *std::max_element (tiles.begin(), tiles.end());
 }
 
-/** Fails where they differ to the eye, and leaves what was seen in the working folder. The picture may lack the lower
-    part of the kept one. */
+/** Fails where they differ to the eye. The picture may lack the lower part of the kept one. */
 void expectLike (const juce::String& name, const juce::Image& seen)
 {
     const juce::File kept (juce::String (VELKOR_TEST_DATA) + "/reference/ui/" + name + ".png");
     const auto whole = juce::ImageFileFormat::loadFrom (kept);
     ASSERT_EQ (whole.getWidth(), seen.getWidth()) << name;
     ASSERT_GE (whole.getHeight(), seen.getHeight()) << name;
-    const auto off = difference (whole.getClippedImage (seen.getBounds()), seen);
-    EXPECT_LE (off, kTolerance) << name;
-
-    if (off > kTolerance)
-    {
-        const auto file =
-            juce::File::getCurrentWorkingDirectory().getChildFile (name + "-seen.png");
-        file.deleteFile();
-        juce::FileOutputStream stream (file);
-        juce::PNGImageFormat().writeImageToStream (seen, stream);
-    }
+    EXPECT_LE (difference (whole.getClippedImage (seen.getBounds()), seen), kTolerance) << name;
 }
 
 juce::Image picture (juce::Component& component)
