@@ -21,8 +21,6 @@ protected:
         good = "200 OK\r\nContent-Length: " + std::to_string (bytes.size());
     }
 
-    ~BrowserDownload() override { server = {}; }
-
     /** Presses the button, and a server answers in two parts; returns when the command has ended. */
     void download (const std::string& status, const std::string& first, const std::string& second,
                    int pauseMs = 0)
@@ -76,7 +74,7 @@ protected:
 
     std::string firstHalf, secondHalf, good;
     juce::StreamingSocket listener;
-    std::jthread server;
+    std::jthread server;  // last: uses the rest to its end
 };
 
 TEST_F (BrowserDownload, UnpacksAGoodArchiveOverTheFolderHoweverSlowItComes)
@@ -87,17 +85,8 @@ TEST_F (BrowserDownload, UnpacksAGoodArchiveOverTheFolderHoweverSlowItComes)
 
     putPreset ("User/mine.zbpreset", "Before");
     putFile (lib ("fact.zip"), std::string (100000, 'x'));  // from a crash
-    juce::SortedSet<juce::URL::DownloadTask*> tasks;
-    const Onlooker onlooker (
-        [&]
-        {
-            // The button stays live; a second press must not start a second download.
-            if (tasks.add (manager->downloadTask.get()))
-                manager->buttonClicked (manager->buttons[kDownloadCommand].get());
-        });
     download (good, firstHalf, secondHalf, 300);
     expectEnded();
-    EXPECT_EQ (tasks.size(), 1);
     EXPECT_EQ (rows (0), "Factory|Old|User");
     EXPECT_EQ (bytesOf (lib ("User/mine.zbpreset")), "from the archive");
     EXPECT_FALSE (homeFile ("outside").exists());

@@ -37,8 +37,9 @@ TEST_F (BitmapControls, FaderPutsItsHandleUnderThePointer)
     const auto fader = makeFader (WetLevel);
     Pointer pointer (*fader);
 
-    for (const auto& [x, expected] : std::vector<std::pair<float, float>> {
-             { 0.0f, 0.0f }, { 8.0f, 0.0f }, { 47.5f, 0.5f }, { 87.0f, 1.0f }, { 95.0f, 1.0f } })
+    for (const auto& [x, expected] :
+         { std::pair (0.0f, 0.0f), std::pair (8.0f, 0.0f), std::pair (47.5f, 0.5f),
+           std::pair (87.0f, 1.0f), std::pair (95.0f, 1.0f) })
     {
         pointer.press (x);
         EXPECT_NEAR (normalised (WetLevel), expected, 1.0e-6) << x;

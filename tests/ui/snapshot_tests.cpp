@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <vector>
 
 // The window against pictures that somebody has looked at. After a change that is meant, velkor-shot makes them anew.
 

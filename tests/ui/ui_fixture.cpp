@@ -42,7 +42,6 @@ RepaintCount& RepaintCount::watch (juce::Component& component)
     component.setVisible (true);  // what is hidden is never painted again
     component.setCachedComponentImage (counter);
     counter->whole = 0;
-    counter->areas.clear();
     return *counter;
 }
 

@@ -7,7 +7,6 @@
 #include <juce_audio_processors/juce_audio_processors.h>
 
 #include <string>
-#include <vector>
 
 /** A mouse that exists only in events: presses, moves and releases on one component. */
 class Pointer
@@ -66,7 +65,7 @@ private:
     juce::AudioProcessor& processor;
 };
 
-/** Notes which parts of a component were to be painted again, its children's included. */
+/** Counts how often all of a component was to be painted again. */
 class RepaintCount : public juce::CachedComponentImage
 {
 public:
@@ -75,16 +74,10 @@ public:
 
     void paint (juce::Graphics&) override {}
     bool invalidateAll() override { return ++whole > 0; }
+    bool invalidate (const juce::Rectangle<int>&) override { return true; }
     void releaseResources() override {}
 
-    bool invalidate (const juce::Rectangle<int>& area) override
-    {
-        areas.push_back (area);
-        return true;
-    }
-
-    int whole = 0;                            ///< how often all of it
-    std::vector<juce::Rectangle<int>> areas;  ///< in the component's coordinates
+    int whole = 0;
 };
 
 /** The parameter of a number. */
