@@ -145,6 +145,12 @@ TEST_F (BrowserWindowMouse, ADragBeginsAfterEightPixelsAndNotOnTheScrollBar)
     EXPECT_TRUE (browser().isDragAndDropActive());
     release (onRow (0, "Zero"));
 
+    // The end of a drag is no click, not even on the row's own star.
+    click (onRow (0, "Zero"));
+    drag (onRow (0, "Zero"), onRow (0, "Zero", -4.0f));
+    pump (400);  // until the picture has faded
+    EXPECT_TRUE (browser().favorites.isEmpty());
+
     // The bar lies over rows.
     click (onRow (0, "C"));
     auto& bar = browser().getColumn (1)->listBox->getVerticalScrollBar();
