@@ -3,6 +3,7 @@
 
 #include <juce_core/juce_core.h>
 
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -13,6 +14,16 @@ struct ArchiveEntry
     std::string bytes;
     bool isLink = false;  ///< bytes are where it leads
 };
+
+/** The n-th entry in an archive's list of entries. */
+inline char* listedEntry (juce::MemoryBlock& archive, int n)
+{
+    for (auto* at = archive.begin(); at + 46 <= archive.end(); ++at)
+        if (juce::ByteOrder::littleEndianInt (at) == 0x02014b50 && n-- == 0)
+            return at;
+
+    throw std::out_of_range ("no such entry");
+}
 
 /** The bytes of an archive of these entries, in their order. */
 inline juce::MemoryBlock makeArchive (const std::vector<ArchiveEntry>& entries)
@@ -28,13 +39,10 @@ inline juce::MemoryBlock makeArchive (const std::vector<ArchiveEntry>& entries)
     builder.writeToStream (out, nullptr);
     auto archive = out.getMemoryBlock();
 
-    // The builder makes links of links on disk alone, so the mark is set in the list of entries.
-    auto* const bytes = static_cast<char*> (archive.getData());
-    std::size_t entry = 0;
-
-    for (std::size_t i = 0; i + 46 < archive.getSize() && entry < entries.size(); ++i)
-        if (juce::ByteOrder::littleEndianInt (bytes + i) == 0x02014b50)
-            bytes[i + 41] = static_cast<char> (entries[entry++].isLink ? 0xa1 : 0);
+    // The builder makes links of links on disk alone.
+    for (std::size_t n = 0; n < entries.size(); ++n)
+        if (entries[n].isLink)
+            listedEntry (archive, static_cast<int> (n))[41] = '\xa1';
 
     return archive;
 }
@@ -42,11 +50,6 @@ inline juce::MemoryBlock makeArchive (const std::vector<ArchiveEntry>& entries)
 /** Makes the n-th entry of an archive claim another length of its contents. */
 inline void claimLength (juce::MemoryBlock& archive, int n, juce::uint32 length)
 {
-    auto* const bytes = static_cast<char*> (archive.getData());
-
-    for (std::size_t i = 0; i + 46 < archive.getSize(); ++i)
-        if (juce::ByteOrder::littleEndianInt (bytes + i) == 0x02014b50 && n-- == 0)
-            for (int k = 0; k < 4; ++k)
-                bytes[i + 24 + static_cast<std::size_t> (k)] =
-                    static_cast<char> (length >> (8 * k));
+    for (int k = 0; k < 4; ++k)
+        listedEntry (archive, n)[24 + k] = static_cast<char> (length >> (8 * k));
 }

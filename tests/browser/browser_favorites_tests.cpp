@@ -40,27 +40,6 @@ TEST_F (BrowserFavorites, AreKeptInTheOrderOfToggling)
     EXPECT_EQ (browser().favorites, juce::StringArray ({ "a/one.zbpreset" }));
 }
 
-TEST_F (BrowserFavorites, HaveAGoldStar)
-{
-    const auto goldPixels = [this]
-    {
-        const auto picture = browser().createComponentSnapshot (browser().getLocalBounds());
-        int count = 0;
-
-        for (int y = 0; y < picture.getHeight(); ++y)
-            for (int x = 0; x < picture.getWidth(); ++x)
-            {
-                const auto colour = picture.getPixelAt (x, y);
-                count += colour.getRed() > 150 && colour.getBlue() < 80 ? 1 : 0;
-            }
-
-        return count;
-    };
-    EXPECT_EQ (goldPixels(), 0);
-    toggle ("two.zbpreset");
-    EXPECT_GT (goldPixels(), 10);
-}
-
 TEST_F (BrowserFavorites, LoadByPathAndNumberTheProgramByFileName)
 {
     putPreset ("b/one.zbpreset", "Other One", 33.0f);

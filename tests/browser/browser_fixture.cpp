@@ -81,6 +81,19 @@ void BrowserTest::select (int column, const juce::String& name) const
     found->listBox->selectRow (found->tree.indexOf (node));
 }
 
+juce::String BrowserTest::contents (const juce::File& top)
+{
+    juce::StringArray texts;
+
+    for (const auto& file : top.findChildFiles (juce::File::findFilesAndDirectories, true, "*",
+                                                juce::File::FollowSymlinks::no))
+        texts.add (file.getRelativePathFrom (top) +
+                   (file.isDirectory() ? "/" : "=" + file.loadFileAsString()));
+
+    texts.sort (false);
+    return texts.joinIntoString (" ");
+}
+
 void BrowserTest::pump (int milliseconds)
 {
     juce::MessageManager::getInstance()->runDispatchLoopUntil (milliseconds);

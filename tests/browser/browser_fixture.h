@@ -54,6 +54,9 @@ protected:
     /** Selects a row by its name, as a click or an arrow key does. */
     void select (int column, const juce::String& name) const;
 
+    /** All that is below a folder, with the contents of the files. */
+    static juce::String contents (const juce::File& top);
+
     /** Lets posted messages run. */
     static void pump (int milliseconds = 30);
 

@@ -14,18 +14,6 @@ protected:
     }
 };
 
-TEST_F (BrowserWindowMouse, ADoubleClickClosesOnAPresetOnly)
-{
-    show();
-    click (onRow (0, "B"), 2);
-    pump (300);
-    EXPECT_TRUE (browser().isVisible());  // a folder only opens
-    EXPECT_EQ (view(), "A|*B|C|Zero / Three");
-    click (onRow (1, "Three"), 2);
-    EXPECT_EQ (delay(), 33.0f);
-    EXPECT_TRUE (hasClosed());
-}
-
 TEST_F (BrowserWindowMouse, CancelAndEscapeGoBackAndCloseKeeps)
 {
     processor.presetName = "Mine";
@@ -63,13 +51,6 @@ TEST_F (BrowserWindowMouse, CancelAndEscapeGoBackAndCloseKeeps)
     click (on (*browser().buttons[kCloseCommand]));
     EXPECT_TRUE (hasClosed());
     EXPECT_EQ (delay(), 5.0f);
-
-    // Nothing to go back to: only closes.
-    reopen();
-    browser().undoState.clear();
-    key (juce::KeyPress::escapeKey);
-    EXPECT_TRUE (hasClosed());
-    EXPECT_EQ (delay(), 5.0f);
 }
 
 TEST_F (BrowserWindowMouse, TheStarTogglesAndReopensTheFolder)
@@ -94,12 +75,6 @@ TEST_F (BrowserWindowMouse, TheStarTogglesAndReopensTheFolder)
     pump();
     EXPECT_EQ (view(), "A|B|C|Zero");
     EXPECT_TRUE (browser().favorites.isEmpty());
-
-    // A folder has no star.
-    click (onRow (0, "A", -5.0f));
-    pump();
-    EXPECT_TRUE (browser().favorites.isEmpty());
-    EXPECT_EQ (view(), "*A|B|C|Zero / One|Two");
 }
 
 TEST_F (BrowserWindowMouse, ADragMovesAFile)
@@ -109,15 +84,11 @@ TEST_F (BrowserWindowMouse, ADragMovesAFile)
     click (onRow (0, "A"));
     click (onRow (1, "Sub"));
     click (onRow (2, "Deep"));
-    HostListener host;
-    processor.addListener (&host);
     drag (onRow (2, "Deep"), onRow (0, "B"));
     EXPECT_TRUE (lib ("B/Deep.zbpreset").existsAsFile());
     EXPECT_FALSE (lib ("A/Sub/Deep.zbpreset").exists());
     EXPECT_EQ (view(), "*A|B|C|Zero / One|*Sub|Two / ");
     EXPECT_EQ (browser().presetFiles[processor.currentProgram], lib ("B/Deep.zbpreset"));
-    EXPECT_TRUE (host.last.programChanged);
-    processor.removeListener (&host);
 
     // Onto a preset of another folder's column means into that folder, and so does the space below the rows.
     putPreset ("A/Sub/Low.zbpreset", "Low");
@@ -141,17 +112,7 @@ TEST_F (BrowserWindowMouse, ADragThatMovesNothingChangesNothing)
     lib ("Empty").createDirectory();
     show();
     click (onRow (0, "A"));
-    const auto files = [this]
-    {
-        juce::StringArray paths;
-
-        for (const auto& file : folder.findChildFiles (juce::File::findFilesAndDirectories, true))
-            paths.add (file.getRelativePathFrom (folder) + juce::String (file.getSize()));
-
-        paths.sort (false);
-        return paths.joinIntoString (" ");
-    };
-    const auto before = files();
+    const auto before = contents (lib());
     const auto viewBefore = view();
 
     drag (onRow (1, "One"), onRow (0, "B"));  // one of that name is there
@@ -167,11 +128,11 @@ TEST_F (BrowserWindowMouse, ADragThatMovesNothingChangesNothing)
     drag (onRow (0, "B"), onRow (1, "Sub"));
     browser().rebuildAndReopen ({ "Empty" });
     drag (onRow (0, "Empty"), on (*browser().getColumn (1)));
-    EXPECT_EQ (files(), before);
+    EXPECT_EQ (contents (lib()), before);
     pump (400);  // until the last picture has faded
 }
 
-TEST_F (BrowserWindowMouse, ADragBeginsAfterEightPixelsAndOnlyOnARowThatCanMove)
+TEST_F (BrowserWindowMouse, ADragBeginsAfterEightPixelsAndNotOnTheScrollBar)
 {
     for (int i = 0; i < 60; ++i)
         putPreset ("C/p" + juce::String (i) + ".zbpreset", "P" + juce::String (i));
@@ -183,30 +144,21 @@ TEST_F (BrowserWindowMouse, ADragBeginsAfterEightPixelsAndOnlyOnARowThatCanMove)
     moveTo (onRow (0, "Zero").translated (6.0f, 6.0f));
     EXPECT_TRUE (browser().isDragAndDropActive());
     release (onRow (0, "Zero"));
-    EXPECT_FALSE (browser().getColumn (0)->dragHovering);
 
     // The end of a drag is no click, not even on the row's own star.
     click (onRow (0, "Zero"));
     drag (onRow (0, "Zero"), onRow (0, "Zero", -4.0f));
-    pump (400);  // until the last picture has faded
+    pump (400);  // until the picture has faded
     EXPECT_TRUE (browser().favorites.isEmpty());
-    click (onRow (0, "Zero", -4.0f));
-    pump();
-    EXPECT_EQ (browser().favorites.size(), 1);  // and the next click is one again
 
-    // Favourites stay where they are.
-    press (onRow (0, "Favorites"));
-    moveTo (onRow (0, "A"));
-    EXPECT_FALSE (browser().isDragAndDropActive());
-    release (onRow (0, "A"));
-
-    // The scroll bar lies over rows, and moves none.
+    // The bar lies over rows.
     click (onRow (0, "C"));
     auto& bar = browser().getColumn (1)->listBox->getVerticalScrollBar();
     ASSERT_TRUE (bar.isVisible());
     const auto thumb = window.getLocalPoint (&bar, juce::Point<float> (2.0f, 20.0f));
     drag (thumb, onRow (0, "B"));
     EXPECT_EQ (lib ("C").getNumberOfChildFiles (juce::File::findFiles), 60);
+    pump (400);  // until the picture has faded
 }
 
 TEST_F (BrowserWindowMouse, CopyAndPasteGoThroughTheClipboard)

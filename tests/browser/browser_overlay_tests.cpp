@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "browser/browser_fixture.h"
-#include "browser/preset_words.h"
 
 #include <csignal>
-#include <set>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -153,31 +151,6 @@ TEST_F (BrowserOverlays, CancelOfTheSaveBoxLeavesTheBrowserAndKeepsTheSound)
     EXPECT_FALSE (browser().isVisible());
     EXPECT_EQ (delay(), 22.0f);
     EXPECT_EQ (processor.presetName, "Two");
-}
-
-TEST_F (BrowserOverlays, RandomNamesAreTwoCapitalisedWordsOfTheLists)
-{
-    command (kSaveCommand);
-    auto& box = *browser().saveWindow;
-    std::set<juce::String> names;
-
-    for (int i = 0; i < 50; ++i)
-    {
-        press (box, "RAND");
-        names.insert (box.nameEditor.getText());
-    }
-
-    EXPECT_GT (names.size(), 45u);
-
-    for (const auto& name : names)
-    {
-        const auto first = name.upToFirstOccurrenceOf (" ", false, false);
-        const auto second = name.fromFirstOccurrenceOf (" ", false, false);
-        EXPECT_TRUE (presetAdjectives.contains (first.toLowerCase())) << name;
-        EXPECT_TRUE (presetNouns.contains (second.toLowerCase())) << name;
-        EXPECT_NE (first[0], first.toLowerCase()[0]) << name;
-        EXPECT_NE (second[0], second.toLowerCase()[0]) << name;
-    }
 }
 
 TEST_F (BrowserOverlays, DeleteTakesAPresetOrAFolderForGood)

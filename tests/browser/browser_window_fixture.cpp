@@ -79,16 +79,6 @@ void BrowserWindow::press (juce::Point<float> where)
     mouse (where, true);
 }
 
-void BrowserWindow::moveTo (juce::Point<float> where)
-{
-    mouse (where, true);
-}
-
-void BrowserWindow::release (juce::Point<float> where)
-{
-    mouse (where, false);
-}
-
 void BrowserWindow::click (juce::Point<float> where, int times)
 {
     now += 5000;  // far enough from the last click not to make a double one with it
@@ -113,9 +103,9 @@ void BrowserWindow::drag (juce::Point<float> from, juce::Point<float> to)
 
 // --- keys ----------------------------------------------------------------------------------------------
 
-void BrowserWindow::key (int keyCode, juce::juce_wchar character, juce::ModifierKeys mods)
+void BrowserWindow::key (int keyCode)
 {
-    window.getPeer()->handleKeyPress (juce::KeyPress (keyCode, mods, character));
+    window.getPeer()->handleKeyPress (juce::KeyPress (keyCode));
 }
 
 int BrowserWindow::focusedColumn() const

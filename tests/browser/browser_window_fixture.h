@@ -30,13 +30,13 @@ protected:
 
     void click (juce::Point<float> where, int times = 1);
     void press (juce::Point<float> where);
-    void moveTo (juce::Point<float> where);
-    void release (juce::Point<float> where);
+    void moveTo (juce::Point<float> where) { mouse (where, true); }
+    void release (juce::Point<float> where) { mouse (where, false); }
 
     /** Presses at one place and lets go at another, by way of some places between. */
     void drag (juce::Point<float> from, juce::Point<float> to);
 
-    void key (int keyCode, juce::juce_wchar character = 0, juce::ModifierKeys mods = {});
+    void key (int keyCode);
 
     /** The list that has the keyboard's focus, as a column index; -1 if none has. */
     int focusedColumn() const;

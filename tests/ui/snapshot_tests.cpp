@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <vector>
 
 // The window against pictures that somebody has looked at. After a change that is meant, velkor-shot makes them anew.
 
@@ -50,25 +51,14 @@ double difference (const juce::Image& expected, const juce::Image& seen)
     return *std::max_element (tiles.begin(), tiles.end());
 }
 
-/** Fails where they differ to the eye, and leaves what was seen in the working folder. The picture may lack the lower
-    part of the kept one. */
+/** Fails where they differ to the eye. The picture may lack the lower part of the kept one. */
 void expectLike (const juce::String& name, const juce::Image& seen)
 {
     const juce::File kept (juce::String (VELKOR_TEST_DATA) + "/reference/ui/" + name + ".png");
     const auto whole = juce::ImageFileFormat::loadFrom (kept);
     ASSERT_EQ (whole.getWidth(), seen.getWidth()) << name;
     ASSERT_GE (whole.getHeight(), seen.getHeight()) << name;
-    const auto off = difference (whole.getClippedImage (seen.getBounds()), seen);
-    EXPECT_LE (off, kTolerance) << name;
-
-    if (off > kTolerance)
-    {
-        const auto file =
-            juce::File::getCurrentWorkingDirectory().getChildFile (name + "-seen.png");
-        file.deleteFile();
-        juce::FileOutputStream stream (file);
-        juce::PNGImageFormat().writeImageToStream (seen, stream);
-    }
+    EXPECT_LE (difference (whole.getClippedImage (seen.getBounds()), seen), kTolerance) << name;
 }
 
 juce::Image picture (juce::Component& component)
@@ -152,18 +142,4 @@ TEST (Snapshots, AboutViewLooksAsItWasApproved)
 
     // Without the block at the bottom, which tells of the machine.
     expectLike ("about-900", picture (view).getClippedImage ({ 0, 0, 900, 675 - 90 }));
-}
-
-// The comparison itself: it must see a fader that moved, and a switch that changed.
-TEST (Snapshots, ComparisonSeesAFaderThatMoved)
-{
-    VelkorAudioProcessor processor;
-    VelkorPanel panel (processor, processor.parameterTree);
-    panel.setSize (750, 525);
-    const auto before = picture (panel);
-    auto& level = parameterOf (processor, WetLevel);
-    level.setValueNotifyingHost (level.getValue() - 0.1f);
-    const auto area = childTitled (panel, "Wet Level")->getBounds().expanded (10);
-    EXPECT_GT (difference (before.getClippedImage (area), picture (panel).getClippedImage (area)),
-               2.0 * kTolerance);
 }

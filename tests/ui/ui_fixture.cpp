@@ -36,58 +36,13 @@ juce::MouseEvent Pointer::event (juce::Point<float> position, int clicks) const
                              &target, &target, now, pressed, now, clicks, position != pressed);
 }
 
-HostLog::HostLog (juce::AudioProcessor& processorToHear) : processor (processorToHear)
-{
-    processor.addListener (this);
-}
-
-HostLog::~HostLog()
-{
-    processor.removeListener (this);
-}
-
-void HostLog::audioProcessorParameterChanged (juce::AudioProcessor*, int index, float)
-{
-    lines.push_back ("value " + std::to_string (index));
-}
-
-void HostLog::audioProcessorParameterChangeGestureBegin (juce::AudioProcessor*, int index)
-{
-    lines.push_back ("begin " + std::to_string (index));
-}
-
-void HostLog::audioProcessorParameterChangeGestureEnd (juce::AudioProcessor*, int index)
-{
-    lines.push_back ("end " + std::to_string (index));
-}
-
-void HostLog::audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails& details)
-{
-    lines.emplace_back ("display");
-    lastDetails = details;
-}
-
 RepaintCount& RepaintCount::watch (juce::Component& component)
 {
     auto* counter = new RepaintCount;
     component.setVisible (true);  // what is hidden is never painted again
     component.setCachedComponentImage (counter);
-    counter->count = 0;
-    counter->areas.clear();
+    counter->whole = 0;
     return *counter;
-}
-
-bool RepaintCount::invalidateAll()
-{
-    ++count;
-    return true;
-}
-
-bool RepaintCount::invalidate (const juce::Rectangle<int>& area)
-{
-    ++count;
-    areas.push_back (area);
-    return true;
 }
 
 juce::RangedAudioParameter& parameterOf (VelkorAudioProcessor& processor, NumericalParamID id)

@@ -7,7 +7,6 @@
 #include <juce_audio_processors/juce_audio_processors.h>
 
 #include <string>
-#include <vector>
 
 /** A mouse that exists only in events: presses, moves and releases on one component. */
 class Pointer
@@ -27,26 +26,46 @@ private:
     juce::Point<float> pressed, last;
 };
 
-/** What the host hears of, in words: "begin 0", "value 0", "end 0" with the parameter's index, "display". */
+/** What the host hears of, in words: "begin value value end " of a gesture, "display ". */
 class HostLog : public juce::AudioProcessorListener
 {
 public:
-    explicit HostLog (juce::AudioProcessor& processorToHear);
-    ~HostLog() override;
+    explicit HostLog (juce::AudioProcessor& processorToHear) : processor (processorToHear)
+    {
+        processor.addListener (this);
+    }
 
-    void audioProcessorParameterChanged (juce::AudioProcessor*, int index, float value) override;
-    void audioProcessorParameterChangeGestureBegin (juce::AudioProcessor*, int index) override;
-    void audioProcessorParameterChangeGestureEnd (juce::AudioProcessor*, int index) override;
-    void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails& details) override;
+    ~HostLog() override { processor.removeListener (this); }
 
-    std::vector<std::string> lines;
+    void audioProcessorParameterChanged (juce::AudioProcessor*, int, float) override
+    {
+        heard += "value ";
+    }
+
+    void audioProcessorParameterChangeGestureBegin (juce::AudioProcessor*, int) override
+    {
+        heard += "begin ";
+    }
+
+    void audioProcessorParameterChangeGestureEnd (juce::AudioProcessor*, int) override
+    {
+        heard += "end ";
+    }
+
+    void audioProcessorChanged (juce::AudioProcessor*, const ChangeDetails& details) override
+    {
+        heard += "display ";
+        lastDetails = details;
+    }
+
+    std::string heard;
     ChangeDetails lastDetails;
 
 private:
     juce::AudioProcessor& processor;
 };
 
-/** Notes which parts of a component were to be painted again, its children's included. */
+/** Counts how often all of a component was to be painted again. */
 class RepaintCount : public juce::CachedComponentImage
 {
 public:
@@ -54,12 +73,11 @@ public:
     static RepaintCount& watch (juce::Component& component);
 
     void paint (juce::Graphics&) override {}
-    bool invalidateAll() override;
-    bool invalidate (const juce::Rectangle<int>& area) override;
+    bool invalidateAll() override { return ++whole > 0; }
+    bool invalidate (const juce::Rectangle<int>&) override { return true; }
     void releaseResources() override {}
 
-    int count = 0;
-    std::vector<juce::Rectangle<int>> areas;  ///< of invalidate, in the component's coordinates
+    int whole = 0;
 };
 
 /** The parameter of a number. */
