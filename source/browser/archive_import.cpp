@@ -34,7 +34,7 @@ static bool isWithinReason (const juce::String& path)
 /** Whether anything from file, which is in folder, up to folder is a link. */
 static bool leadsThroughLink (juce::File file, const juce::File& folder)
 {
-    for (; file != folder; file = file.getParentDirectory())
+    for (; file != folder && ! file.isRoot(); file = file.getParentDirectory())
         if (file.isSymbolicLink())
             return true;
 

@@ -4,6 +4,7 @@
 #include "browser/archive_import.h"
 #include "browser/browser_fixture.h"
 
+#include <algorithm>
 #include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -97,6 +98,17 @@ TEST_F (BrowserArchives, KeepWhatIsThereWhereTheyAreDamaged)
             << size;
 
     EXPECT_EQ (contents (homeFile ("out")), "folder/ kept=kept old=new");
+}
+
+// The framework copies more than it has made room for, of a text that is no UTF-8.
+TEST_F (BrowserArchives, MayHaveNamesInAnEightBitEncoding)
+{
+    auto archive = makeArchive ({ { "Pi~ce.zbpreset", "x" } });
+    std::replace (archive.begin(), archive.end(), '~', '\xe8');  // begins a longer character
+    EXPECT_EQ (unpackArchive (put ("Pack.zip", archive), lib()), 1);
+    EXPECT_TRUE (lib (juce::String::fromUTF8 ("Pi\xc3\xa8"
+                                              "ce.zbpreset"))
+                     .existsAsFile());
 }
 
 TEST_F (BrowserArchives, OfPathsBeyondReasonLeaveThoseOut)
