@@ -110,8 +110,8 @@ void zb_PresetManager::chooseImport()
         importFile (chooser.getResult());
 }
 
-/** Unpacks an archive, with the window alive between its entries; false if the browser has gone meanwhile. The cover stays, for the
-    rebuild that follows. */
+/** Unpacks an archive, with the window alive between its entries; false if the browser has gone meanwhile. The cover
+    stays, for the rebuild that follows. */
 bool zb_PresetManager::unpackUnderCover (const juce::File& archive, const juce::File& target)
 {
     constexpr juce::uint32 kBetweenSlicesMs = 50;
