@@ -232,7 +232,8 @@ TEST_P (Hosted, StateGoesFromOneInstanceToAnother)
 
 TEST_P (Hosted, BypassPassesTheInput)
 {
-    const auto session = withoutEvents (makeSession (48000.0, 12));
+    auto session = makeSession (48000.0, 12);  // with notes, of which none may come out
+    session.state.reset();
     const auto player = makePlayer (session);
     player->bypass (true);
     expectSameSamples (player->play (session), session.input);

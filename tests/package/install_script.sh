@@ -41,6 +41,14 @@ touch "$HOME/.local/bin/velkor-old" "$HOME/.lv2/Velkor.lv2/stale.ttl"
 "$tree/install" >/dev/null
 listing | diff "$work/installed" - || fail "a second installation left something of the first"
 
+# Elsewhere, and without a word of it when it goes; from a place that a search path of folders hides.
+"$HOME/.local/share/velkor/install" --uninstall >/dev/null
+(cd "$work" && XDG_DATA_HOME="$HOME/data of 50% \$" CDPATH=/ sh velkor/install >/dev/null)
+"$HOME/data of 50% \$/velkor/install" --uninstall >/dev/null
+listing | diff "$work/before" - || fail "the removal from elsewhere left something"
+! "$tree/install" --uninstall 2>/dev/null || fail "a removal of nothing was none"
+"$tree/install" >/dev/null
+
 # The copy that was installed removes it, also after an installation that broke off.
 rm "$HOME/.local/bin/velkor"
 rm -r "$tree"
