@@ -38,6 +38,9 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 
 # Opened by name when a window is, so the linker knows nothing of them.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libx11-6, libxcursor1, libxext6, libxinerama1, libxrandr2, libxrender1")
-set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, zenity | kdialog")
+
+# Not recommended: on a bare system they bring some 490 packages. Without a chooser program the plug-in
+# shows JUCE's own, and every desktop has xdg-utils.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "xdg-utils, zenity | kdialog")
 
 include(CPack)

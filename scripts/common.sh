@@ -25,7 +25,7 @@ build()
     [ -z "$VELKOR_JUCE_DIR" ] || options+=("-DVELKOR_JUCE_DIR=$VELKOR_JUCE_DIR")
 
     if [ ! -f "$folder/build.ninja" ] || [ "${#options[@]}" -gt 0 ]; then
-        say "configuring $folder"
+        say "configuring $folder (builds JUCE's own helper first: a few minutes without output)"
         mkdir -p .deps
         cmake --preset "$preset" "${options[@]}" > "$folder.log" 2>&1 ||
             { cat "$folder.log" >&2; rm -f "$folder.log" "$folder/build.ninja"; return 1; }
