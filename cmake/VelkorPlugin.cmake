@@ -69,9 +69,11 @@ set(PLUGIN_SOURCES
     source/parameters/parameter_text.cpp
     source/parameters/sync_display_parameter.cpp
     source/processor/Lv2AudioProcessor.cpp
+    source/processor/NoticingAudioProcessor.cpp
     source/processor/VelkorAudioProcessor.cpp
     source/processor/plugin_entry.cpp
     source/processor/process_block.cpp
+    source/processor/song_position.cpp
     source/processor/zb_AudioProcessor.cpp
     source/state/document_guard.cpp
     source/state/document_scanner.cpp
@@ -126,12 +128,20 @@ if(TARGET Velkor_LV2)
     # Debian's patched settings header sets this to the plug-in's name before the generated one is read.
     target_compile_definitions(Velkor_LV2 PRIVATE "JucePlugin_LV2URI=\"${VELKOR_LV2_URI}\"")
 
-    # The framework writes the Turtle after each link, all but the licence.
+    # The entries of the framework's client get other names, and ours are in front of them.
+    target_compile_definitions(Velkor_LV2 PRIVATE
+        lv2_descriptor=velkor_client_lv2_descriptor lv2ui_descriptor=velkor_client_lv2ui_descriptor)
+    set(LV2_SOURCES source/processor/lv2_entry.cpp source/processor/lv2_song_events.cpp)
+    target_sources(Velkor_LV2 PRIVATE ${LV2_SOURCES})
+    velkor_own_sources(${LV2_SOURCES})
+    target_include_directories(Velkor_LV2 PRIVATE "${CMAKE_SOURCE_DIR}/source")
+
+    # The framework writes the Turtle after each link, all but the licence and a port.
     add_custom_command(TARGET Velkor_LV2 POST_BUILD
         COMMAND "${CMAKE_COMMAND}"
             "-DTURTLE=$<GENEX_EVAL:$<TARGET_PROPERTY:Velkor_LV2,JUCE_PLUGIN_ARTEFACT_FILE>>/dsp.ttl"
             "-DURI=${VELKOR_LV2_URI}"
-            -P "${CMAKE_SOURCE_DIR}/cmake/add_lv2_licence.cmake"
+            -P "${CMAKE_SOURCE_DIR}/cmake/complete_lv2_turtle.cmake"
         VERBATIM)
 endif()
 

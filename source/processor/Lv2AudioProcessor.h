@@ -1,45 +1,55 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #pragma once
 
-#include "processor/VelkorAudioProcessor.h"
+#include "processor/NoticingAudioProcessor.h"
+#include "processor/song_position.h"
 
-/** A transport that goes on by itself: LV2 hosts tell it only when it changes, and the framework's client
-    forgets it after each block. Audio thread. */
-class ContinuedPlayHead : public juce::AudioPlayHead
+#include <span>
+
+/** The processor as LV2 hosts need it: with a transport of its own count, since hosts say it only
+    when it changes and JUCE's client reads little of it, and with no MIDI left in the buffer, which
+    that client would send. */
+class Lv2AudioProcessor : public NoticingAudioProcessor
 {
 public:
-    juce::Optional<PositionInfo> getPosition() const override { return position; }
+    Lv2AudioProcessor();
 
-    /** Takes over what is told at the start of a block; keeps its own count if that is nothing. */
-    void hear (const juce::Optional<PositionInfo>& told);
+    /** The processor that this thread made last and nobody took yet, or nullptr. */
+    static Lv2AudioProcessor* takeLastMade() noexcept;
 
-    /** Moves on by a block. */
-    void advance (int numSamples, double sampleRate);
+    /** Around the client's work on one block. events, by offset, stay the caller's. Audio thread;
+        lock-free. */
+    void beginRun (std::span<const SongEvent> events) noexcept;
+    void endRun() noexcept;
 
-private:
-    juce::Optional<PositionInfo> position;
-};
+    /** Has no effect: the client's play head knows less than this one. */
+    void setPlayHead (juce::AudioPlayHead*) override {}
 
-/** The processor as the LV2 client wants it: with a transport for every block, and with no MIDI left in the
-    buffer, which that client would send to the host. */
-class Lv2AudioProcessor : public VelkorAudioProcessor
-{
-public:
-    Lv2AudioProcessor() = default;
+    void prepareToPlay (double sampleRate, int samplesPerBlock) override;
 
-    /** Not beside a block. */
-    void setPlayHead (juce::AudioPlayHead* client) override;
-
+    /** In parts if the song jumps, starts or stops inside the block. All MIDI goes to the first
+        part: it acts at the start of the host's block anyway. */
     void processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi) override;
     void processBlockBypassed (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi) override;
     using VelkorAudioProcessor::processBlock;
     using VelkorAudioProcessor::processBlockBypassed;
 
 private:
-    void hearTransport();
+    class PlayHead : public juce::AudioPlayHead
+    {
+    public:
+        juce::Optional<PositionInfo> getPosition() const override { return position; }
+        juce::Optional<PositionInfo> position;
+    };
 
-    juce::AudioPlayHead* clientPlayHead = nullptr;  ///< not owned
-    ContinuedPlayHead continued;
+    juce::Optional<juce::AudioPlayHead::PositionInfo> readSong() const;
+    int takeEventsUntilJump (int start, int end) noexcept;
+    void takeEventsUpTo (int offset) noexcept;
+
+    SongPosition song;                  ///< the audio thread's, and so the next three
+    std::span<const SongEvent> events;  ///< of this block, not taken yet
+    PlayHead playHead;
+    juce::MidiBuffer noMidi;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (Lv2AudioProcessor)
 };

@@ -41,6 +41,10 @@ public:
     void processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi) override;
     using juce::AudioProcessor::processBlock;
 
+    /** Passes the input on and reads the MIDI, so that no key is held that was let go. Audio thread. */
+    void processBlockBypassed (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi) override;
+    using juce::AudioProcessor::processBlockBypassed;
+
     /** The document of the sound in one line, with the editor's size. Any thread but the audio thread. */
     void getStateInformation (juce::MemoryBlock& destination) override;
 

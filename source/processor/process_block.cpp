@@ -26,6 +26,13 @@ void VelkorAudioProcessor::processBlock (juce::AudioBuffer<float>& buffer, juce:
     engine_dsp_block (*engine, left, right, numSamples, transport);
 }
 
+void VelkorAudioProcessor::processBlockBypassed (juce::AudioBuffer<float>& buffer,
+                                                 juce::MidiBuffer& midi)
+{
+    takeMidi (midi);
+    zb_AudioProcessor::processBlockBypassed (buffer, midi);
+}
+
 void VelkorAudioProcessor::takeMidi (const juce::MidiBuffer& midi) noexcept
 {
     bool active = false;

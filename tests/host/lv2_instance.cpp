@@ -53,11 +53,19 @@ struct Lv2Instance::Impl
         return number;
     }
 
+    /** The atom sequence of an input port for the next run. */
+    struct Outlet
+    {
+        LV2_Atom_Forge forge {};
+        LV2_Atom_Forge_Frame sequence {}, object {};
+        alignas (8) std::array<std::uint8_t, 65536> bytes {};
+
+        void beginSequence();
+    };
+
     void connect (const char* symbol, void* data) const;
-    void beginSequence();
-    void beginObject (std::int64_t frame, const char* type);
-    void key (const char* uri) { lv2_atom_forge_key (&forge, (*this)[uri]); }
-    void endObject() { lv2_atom_forge_pop (&forge, &object); }
+    LV2_Atom_Forge* beginObject (Outlet& outlet, std::int64_t frame, const char* type);
+    void key (Outlet& outlet, const char* uri) { lv2_atom_forge_key (&outlet.forge, (*this)[uri]); }
 
     World world { lilv_world_new(), lilv_world_free };
     const LilvPlugin* plugin = nullptr;
@@ -68,9 +76,8 @@ struct Lv2Instance::Impl
     LV2_URID_Unmap unmap { this, [] (LV2_URID_Unmap_Handle self, LV2_URID number)
                            { return static_cast<Impl*> (self)->uris.at (number - 1).c_str(); } };
 
-    LV2_Atom_Forge forge {};
-    LV2_Atom_Forge_Frame sequence {}, object {};
-    alignas (8) std::array<std::uint8_t, 65536> toSend {}, sent {};
+    Outlet control, transport;
+    alignas (8) std::array<std::uint8_t, 65536> sent {};
     float latency = -1.0f, freeWheeling = 0.0f;
 
     std::int32_t blockSize = 0;
@@ -90,11 +97,15 @@ Lv2Instance::Impl::Impl (const std::string& folder, double sampleRate, std::int3
     const auto* const plugins = lilv_world_get_all_plugins (world.get());
     plugin =
         checked (lilv_plugins_get (plugins, lilv_plugins_begin (plugins)), "no plug-in " + folder);
-    lv2_atom_forge_init (&forge, &map);
 
-    options[0] = {
-        LV2_OPTIONS_INSTANCE, 0, (*this)[LV2_BUF_SIZE__maxBlockLength], 4, forge.Int, &blockSize
-    };
+    for (auto* const outlet : { &control, &transport })
+    {
+        lv2_atom_forge_init (&outlet->forge, &map);
+        outlet->beginSequence();
+    }
+
+    options[0] = { LV2_OPTIONS_INSTANCE, 0,         (*this)[LV2_BUF_SIZE__maxBlockLength], 4,
+                   control.forge.Int,    &blockSize };
     features = { LV2_Feature { LV2_URID__map, &map }, LV2_Feature { LV2_URID__unmap, &unmap },
                  LV2_Feature { LV2_OPTIONS__options, options.data() },
                  LV2_Feature { LV2_BUF_SIZE__boundedBlockLength, nullptr } };
@@ -104,11 +115,11 @@ Lv2Instance::Impl::Impl (const std::string& folder, double sampleRate, std::int3
 
     instance.reset (checked (lilv_plugin_instantiate (plugin, sampleRate, featureList.data()),
                              "the plug-in makes no instance"));
-    connect ("in", toSend.data());
+    connect ("in", control.bytes.data());
+    connect ("transport", transport.bytes.data());
     connect ("out", sent.data());
     connect ("latency", &latency);
     connect ("freeWheeling", &freeWheeling);
-    beginSequence();
 }
 
 void Lv2Instance::Impl::connect (const char* symbol, void* data) const
@@ -119,16 +130,18 @@ void Lv2Instance::Impl::connect (const char* symbol, void* data) const
     lilv_instance_connect_port (instance.get(), lilv_port_get_index (plugin, port), data);
 }
 
-void Lv2Instance::Impl::beginSequence()
+void Lv2Instance::Impl::Outlet::beginSequence()
 {
-    lv2_atom_forge_set_buffer (&forge, toSend.data(), toSend.size());
+    lv2_atom_forge_set_buffer (&forge, bytes.data(), bytes.size());
     lv2_atom_forge_sequence_head (&forge, &sequence, 0);
 }
 
-void Lv2Instance::Impl::beginObject (std::int64_t frame, const char* type)
+LV2_Atom_Forge* Lv2Instance::Impl::beginObject (Outlet& outlet, std::int64_t frame,
+                                                const char* type)
 {
-    lv2_atom_forge_frame_time (&forge, frame);
-    lv2_atom_forge_object (&forge, &object, 0, (*this)[type]);
+    lv2_atom_forge_frame_time (&outlet.forge, frame);
+    lv2_atom_forge_object (&outlet.forge, &outlet.object, 0, (*this)[type]);
+    return &outlet.forge;
 }
 
 Lv2Instance::Lv2Instance (const std::string& folder, double sampleRate, std::int32_t maxBlock)
@@ -145,48 +158,49 @@ Lv2Instance::~Lv2Instance()
 
 void Lv2Instance::sendParameter (const std::string& uri, float value)
 {
-    impl->beginObject (0, LV2_PATCH__Set);
-    impl->key (LV2_PATCH__property);
-    lv2_atom_forge_urid (&impl->forge, (*impl)[uri]);
-    impl->key (LV2_PATCH__value);
-    lv2_atom_forge_float (&impl->forge, value);
-    impl->endObject();
+    auto& outlet = impl->control;
+    auto* const forge = impl->beginObject (outlet, 0, LV2_PATCH__Set);
+    impl->key (outlet, LV2_PATCH__property);
+    lv2_atom_forge_urid (forge, (*impl)[uri]);
+    impl->key (outlet, LV2_PATCH__value);
+    lv2_atom_forge_float (forge, value);
+    lv2_atom_forge_pop (forge, &outlet.object);
 }
 
 void Lv2Instance::sendMidi (std::int64_t frame, std::span<const std::uint8_t> bytes)
 {
     const auto size = static_cast<std::uint32_t> (bytes.size());
-    lv2_atom_forge_frame_time (&impl->forge, frame);
-    lv2_atom_forge_atom (&impl->forge, size, (*impl)[LV2_MIDI__MidiEvent]);
-    lv2_atom_forge_write (&impl->forge, bytes.data(), size);
+    auto* const forge = &impl->control.forge;
+    lv2_atom_forge_frame_time (forge, frame);
+    lv2_atom_forge_atom (forge, size, (*impl)[LV2_MIDI__MidiEvent]);
+    lv2_atom_forge_write (forge, bytes.data(), size);
 }
 
-void Lv2Instance::sendPosition (std::int64_t frame, bool isRolling, float tempo, double beat)
+void Lv2Instance::sendPosition (std::int64_t offset, const Lv2Position& position)
 {
-    impl->beginObject (0, LV2_TIME__Position);
-    impl->key (LV2_TIME__frame);
-    lv2_atom_forge_long (&impl->forge, frame);
-    impl->key (LV2_TIME__speed);
-    lv2_atom_forge_float (&impl->forge, isRolling ? 1.0f : 0.0f);
-
-    if (tempo > 0.0f)
-    {
-        impl->key (LV2_TIME__beatsPerMinute);
-        lv2_atom_forge_float (&impl->forge, tempo);
-    }
-
-    if (beat >= 0.0)
-    {
-        impl->key (LV2_TIME__beat);
-        lv2_atom_forge_double (&impl->forge, beat);
-    }
-
-    impl->endObject();
+    auto& outlet = hasMidi ? impl->control : impl->transport;
+    auto* const forge = impl->beginObject (outlet, offset, LV2_TIME__Position);
+    impl->key (outlet, LV2_TIME__frame);
+    lv2_atom_forge_long (forge, position.frame);
+    impl->key (outlet, LV2_TIME__speed);
+    lv2_atom_forge_float (forge, position.speed);
+    impl->key (outlet, LV2_TIME__barBeat);
+    lv2_atom_forge_float (forge, position.barBeat);
+    impl->key (outlet, LV2_TIME__bar);
+    lv2_atom_forge_long (forge, position.bar);
+    impl->key (outlet, LV2_TIME__beatUnit);
+    lv2_atom_forge_int (forge, position.beatUnit);
+    impl->key (outlet, LV2_TIME__beatsPerBar);
+    lv2_atom_forge_float (forge, position.beatsPerBar);
+    impl->key (outlet, LV2_TIME__beatsPerMinute);
+    lv2_atom_forge_float (forge, position.tempo);
+    lv2_atom_forge_pop (forge, &outlet.object);
 }
 
 int Lv2Instance::run (float* left, float* right, std::uint32_t numSamples)
 {
-    lv2_atom_forge_pop (&impl->forge, &impl->sequence);
+    for (auto* const outlet : { &impl->control, &impl->transport })
+        lv2_atom_forge_pop (&outlet->forge, &outlet->sequence);
 
     // The standard allows a host to connect both sides to the same memory.
     for (const auto* symbol : { "audio_in_1", "audio_out_1" })
@@ -198,15 +212,24 @@ int Lv2Instance::run (float* left, float* right, std::uint32_t numSamples)
     // An output sequence comes as a chunk that says how much room there is.
     auto* const room = reinterpret_cast<LV2_Atom*> (impl->sent.data());
     *room = { static_cast<std::uint32_t> (impl->sent.size() - sizeof (LV2_Atom)),
-              impl->forge.Chunk };
+              impl->control.forge.Chunk };
     lilv_instance_run (impl->instance.get(), numSamples);
-    impl->beginSequence();
+
+    for (auto* const outlet : { &impl->control, &impl->transport })
+        outlet->beginSequence();
 
     const auto* const sent = reinterpret_cast<const LV2_Atom_Sequence*> (impl->sent.data());
     int count = 0;
 
     LV2_ATOM_SEQUENCE_FOREACH (sent, event)
-    count += event->body.type == (*impl)[LV2_MIDI__MidiEvent] ? 1 : 0;
+    {
+        const auto* const object = reinterpret_cast<const LV2_Atom_Object*> (&event->body);
+        count += event->body.type == (*impl)[LV2_MIDI__MidiEvent] ? 1 : 0;
+        numStateChanges += event->body.type == impl->control.forge.Object &&
+                                   object->body.otype == (*impl)[LV2_STATE__StateChanged]
+                               ? 1
+                               : 0;
+    }
 
     return count;
 }

@@ -6,8 +6,19 @@
 #include <span>
 #include <string>
 
-/** A running plug-in, hosted by lilv as in most hosts of Linux: 2 audio ports in, 2 out, atom sequences in and
-    out, all of them found by their symbols. What fails throws std::runtime_error. */
+/** A place of the song in a host's terms. */
+struct Lv2Position
+{
+    std::int64_t frame = 0;
+    float speed = 0.0f, tempo = 120.0f;
+    std::int64_t bar = 0;
+    float barBeat = 0.0f, beatsPerBar = 4.0f;
+    std::int32_t beatUnit = 4;
+};
+
+/** A running plug-in, hosted by lilv as in most hosts of Linux: 2 audio ports in, 2 out, atom
+    sequences in and out, all of them found by their symbols. What fails throws std::runtime_error.
+    */
 class Lv2Instance
 {
 public:
@@ -19,8 +30,8 @@ public:
     void sendParameter (const std::string& uri, float value);
     void sendMidi (std::int64_t frame, std::span<const std::uint8_t> bytes);
 
-    /** beat counts quarter notes. A tempo of 0 and a negative beat are left out. */
-    void sendPosition (std::int64_t frame, bool isRolling, float tempo, double beat);
+    /** As Ardour and jalv say it, at a sample of the block. */
+    void sendPosition (std::int64_t offset, const Lv2Position& position);
 
     /** Processes in place. The number of MIDI events that the plug-in sent. */
     int run (float* left, float* right, std::uint32_t numSamples);
@@ -29,7 +40,12 @@ public:
     std::string saveState() const;
     void restoreState (const std::string& turtle);
 
-    float enabled = 1.0f;  ///< the port of that name
+    /** Whether the track has MIDI. Without, Ardour feeds no port that takes it, and the position
+        goes to the other one alone. */
+    bool hasMidi = true;
+
+    int numStateChanges = 0;  ///< notices of changed state that the plug-in sent
+    float enabled = 1.0f;     ///< the port of that name
 
 private:
     struct Impl;
