@@ -3,6 +3,7 @@
 -- Run by ardour_session.sh in Ardour's Lua tool.
 --
 --   make FOLDER FORMAT ID SECONDS    a session with a recorded track that Velkor sits on, saved
+--   song FOLDER FORMAT ID SECONDS    the same without automation, in a song whose tempo and meter change
 --   reload FOLDER                    opens it, looks whether all is there, saves it again
 
 io.stdout:setvbuf ("no")
@@ -66,7 +67,18 @@ local function parameters (processor)
     return result
 end
 
-local function make (format, id, seconds)
+-- 4/4 with the tempo changing at its second bar, 7/8 from 1.8 s on and 3/4 from 2.5 s on.
+local function change_tempo_and_meter()
+    local map = Temporal.TempoMap.write_copy()
+    local function at (seconds) return Temporal.timepos_t (math.floor (seconds * rate)) end
+    map:set_tempo (Temporal.Tempo (240, 240, 4), at (0))
+    map:set_tempo (Temporal.Tempo (300, 300, 4), at (1))
+    map:set_meter (Temporal.Meter (7, 8), at (1.8))
+    map:set_meter (Temporal.Meter (3, 4), at (2.5))
+    Temporal.TempoMap.update (map)
+end
+
+local function make (format, id, seconds, is_song)
     os.execute ("rm -rf '" .. folder .. "'")    -- of an attempt that broke off
     local session = create_session (folder, "session", rate)
     assert (session, "no session")
@@ -80,7 +92,9 @@ local function make (format, id, seconds)
     assert (track:add_processor_by_index (processor, 0, nil, true) == 0, "Ardour takes no " .. format)
 
     -- An LV2's parameters are properties, which Lua can't reach: the caller writes them into the session's file.
-    if format == "VST3" then
+    if is_song then
+        change_tempo_and_meter()
+    elseif format == "VST3" then
         local numbers = parameters (processor)
         assert (ARDOUR.LuaAPI.set_processor_param (processor, numbers["Delay 1 Sync"], 1), "it can't be set")
         automate (processor, numbers["Delay 1 Time"], { { 0, 0.57 }, { 1.7, 0.57 }, { 1.701, 0.37 } })
@@ -98,7 +112,7 @@ local function reload()
     assert (session:save_state ("") == 0, "the session can't be saved")
 end
 
-if task == "make" then make (arg[3], arg[4], tonumber (arg[5])) else reload() end
+if task == "reload" then reload() else make (arg[3], arg[4], tonumber (arg[5]), task == "song") end
 
 close_session()
 print ("done")

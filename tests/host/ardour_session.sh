@@ -67,14 +67,17 @@ vst3_id=$(sed -n 's/.*<VST3Info uid="\([0-9A-F]*\)" name="Velkor".*/\1/p' "$work
 rate=48000
 seconds=4
 
-# take FILE: clicks on the left at 0.1 s and each second from there, or silence, as long as FILE.
+# take FILE SOUND: on the left clicks at 0.1 s and each second from there, or a constant from 0.1 s on; silence on the
+# right; as long as FILE.
 take()
 {
-    local length click=0
+    local length sound=silence
     length=$(soxi -s "$1" 2>/dev/null)
-    case $1 in *%L.wav) click=1 ;; esac
-    awk -v n="$length" -v click="$click" -v rate="$rate" 'BEGIN { print "; Sample Rate " rate; print "; Channels 1"
-        for (i = 0; i < n; ++i) print i / rate, click && i % rate == rate / 10 ? 0.5 : 0 }' >"$work/take.dat"
+    case $1 in *%L.wav) sound=$2 ;; esac
+    awk -v n="$length" -v sound="$sound" -v rate="$rate" 'BEGIN { print "; Sample Rate " rate; print "; Channels 1"
+        for (i = 0; i < n; ++i) print i / rate,
+            (sound == "clicks" && i % rate == rate / 10 || sound == "constant" && i >= rate / 10 ? 0.5 : 0) }' \
+        >"$work/take.dat"
     sox -D "$work/take.dat" -e float -b 32 "$1"
 }
 
@@ -98,7 +101,7 @@ play()
     local session=$work/$1 file
     in_ardour make "$session" "$1" "$2" "$seconds"
 
-    for file in "$session"/interchange/*/audiofiles/*.wav; do take "$file"; done
+    for file in "$session"/interchange/*/audiofiles/*.wav; do take "$file" clicks; done
 
     if [ "$1" = LV2 ]; then
         # At 120 beats per minute a second has 2 x 1920 ticks, so 1.7 s is 6528.
@@ -136,6 +139,39 @@ for format in "VST3 $vst3_id" "LV2 urn:com.zubrow.Velkor"; do
         END { exit bad || got != n || n == 0 }' "$work/wanted" "$work/clicks" ||
         { cat "$work/clicks" >&2; fail "$format: other clicks come out, as places and levels"; }
 done
+
+# --- a synced LFO -----------------------------------------------------------------------------------
+
+# Each instance loads this when it is made: the left side, its level moved by an LFO of a whole note.
+presets="$HOME/Music/Zubrow Labs/Velkor/Presets/User"
+mkdir -p "$presets"
+cat >"$presets/Default.zbpreset" <<'END'
+<?xml version="1.0" encoding="UTF-8"?>
+<VelkorSettings PresetName="Default" Version="65536">
+  <Parameters>
+    <PARAM id="LFO 1 Rate" value="0.0"/><PARAM id="LFO 1 Sync" value="1.0"/><PARAM id="LFO 1 Wave" value="0.0"/>
+    <PARAM id="Level 1 Mod" value="0.25"/><PARAM id="Output 1 Level" value="0.5"/><PARAM id="Dry Level" value="0.0"/>
+  </Parameters>
+  <SignalMatrix><Connection input="0" output="8"/></SignalMatrix>
+  <ModMatrix><Connection source="1" dest="8"/></ModMatrix>
+</VelkorSettings>
+END
+
+for format in "VST3 $vst3_id" "LV2 urn:com.zubrow.Velkor"; do
+    read -r format id <<<"$format"
+    in_ardour song "$work/song" "$format" "$id" "$seconds"
+    for file in "$work/song"/interchange/*/audiofiles/*.wav; do take "$file" constant; done
+    export_to "song-$format" "$work/song"
+done
+
+# What hosts say they round to 1/1920 of a quarter note.
+paste -d ' ' "$work/song-VST3" "$work/song-LV2" | awk -v rate="$rate" '
+    $1 > rate / 5 { if ($2 < low || !n++) low = $2; if ($2 > high) high = $2 }
+    { d = $2 > $5 ? $2 - $5 : $5 - $2; if (d > worst) { worst = d; place = $1 } }
+    END { printf "the LFO moves the level from %.3f to %.3f, the formats differ by %.6f at sample %d\n",
+              low, high, worst, place
+          exit high - low < 0.2 || worst > 0.001 }' >"$work/difference" || fail "$(cat "$work/difference")"
+cat "$work/difference"
 
 printf 'ardour: as VST3 and as LV2 two exports of a loaded session are the same, %s samples\n' \
     "$(soxi -s "$work/first.wav" 2>/dev/null)"
