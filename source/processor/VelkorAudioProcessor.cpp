@@ -69,8 +69,8 @@ void VelkorAudioProcessor::getStateInformation (juce::MemoryBlock& destination)
 {
     juce::XmlElement document (stateTag);
     saveStateToXML (document, juce::var());
-    document.setAttribute (kUiWidth, uiWidth);
-    document.setAttribute (kUiHeight, uiHeight);
+    document.setAttribute (kUiWidth, uiWidth.load());
+    document.setAttribute (kUiHeight, uiHeight.load());
     copyXmlToBinary (document, destination);
 }
 
@@ -88,7 +88,7 @@ void VelkorAudioProcessor::setStateInformation (const void* data, int sizeInByte
 
 void VelkorAudioProcessor::saveStateToXML (juce::XmlElement& target, const juce::var&)
 {
-    target = *writePresetDocument (stateTag, getPresetName(), parameterTree, *engine);
+    target = *writePresetDocument (stateTag, getPresetName(), storedParameters, *engine);
 }
 
 void VelkorAudioProcessor::loadStateFromXML (juce::XmlElement* document, const juce::var&)
@@ -97,13 +97,14 @@ void VelkorAudioProcessor::loadStateFromXML (juce::XmlElement* document, const j
         return;
 
     setPresetName (readPresetName (*document));
-    readPresetParameters (*document, parameterTree);
+    readPresetParameters (*document, storedParameters);
 
     if (engine != nullptr)
         readPresetMatrices (*document, *engine);
 
-    // The store has cleared the history, under its own lock. What a synchronous listener has added since then
-    // can go without that lock only where nobody else is at it.
+    // What a synchronous listener has added since the parameters were replaced goes too. The
+    // history belongs to the message thread; a load on another one has asked for it to be cleared
+    // there.
     if (juce::MessageManager::existsAndIsCurrentThread())
         undoManager.clearUndoHistory();
 

@@ -4,6 +4,7 @@
 #include "engine/engine.h"
 #include "parameters/parameter_binding.h"
 #include "processor/zb_AudioProcessor.h"
+#include "state/stored_parameters.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
@@ -52,13 +53,15 @@ public:
         none of this product's; does nothing without a document. Any thread but the audio thread. */
     void setStateInformation (const void* data, int sizeInBytes) override;
 
-    /** Replaces name, parameters, matrices and undo history by those of a document; ignores one that has
-        another root or no parameters. Takes programListLock, the store's lock, connectionLock and modLock,
-        one after the other. Any thread but the audio thread. */
+    /** Replaces name, parameters and matrices by those of a document, and clears the undo
+        history, which off the message thread happens a moment later; ignores a document that has
+        another root or no parameters. Takes programListLock, the store's lock, connectionLock
+        and modLock, one after the other. Any thread but the audio thread. */
     void loadStateFromXML (juce::XmlElement* document, const juce::var& context = {}) override;
 
-    /** Makes target the document of the present sound. Takes programListLock and the store's lock, one
-        after the other; reads the matrices without theirs. Any thread but the audio thread. */
+    /** Makes target the document of the present sound. Takes programListLock and the parameters'
+        lock, one after the other; reads the matrices without theirs. Any thread but the audio
+        thread. */
     void saveStateToXML (juce::XmlElement& target, const juce::var& context = {}) override;
 
     /** Writes the settings of the machine; a failure isn't noticed. Message thread. */
@@ -80,15 +83,16 @@ public:
     /** Part of the listener's interface; never registered, since parameters are pulled, once per block. */
     void parameterChanged (const juce::String&, float) override {}
 
-    juce::UndoManager undoManager;
+    juce::UndoManager undoManager;  ///< the message thread's, and so is the tree of the store
     juce::AudioProcessorValueTreeState parameterTree;
+    StoredParameters storedParameters { parameterTree, undoManager };
     juce::File presetFolder;  ///< factory and user presets
     bool saveAudio = false;   ///< as in GlobalSettings, and so the next three
     bool toolTips = true;
     bool animationPlayer = true;
     bool glowRenderer = true;
-    int uiWidth = 900;                     ///< the editor's, pixels
-    int uiHeight = 300;                    ///< the editor's, pixels
+    std::atomic<int> uiWidth { 900 };      ///< the editor's, pixels; any thread
+    std::atomic<int> uiHeight { 300 };     ///< the editor's, pixels; any thread
     std::unique_ptr<VelkorEngine> engine;  ///< deleted before the parameters go
     ParamPointers paramValues {};          ///< resolved once, in the constructor
 

@@ -12,11 +12,6 @@
 #include <string_view>
 #include <system_error>
 
-// The framework's names for a stored parameter; stored: never edit.
-static const juce::Identifier kParamType ("PARAM");
-static const juce::Identifier kParamId ("id");
-static const juce::Identifier kParamValue ("value");
-
 // --- numbers -------------------------------------------------------------------------------------------
 
 /** What a decimal text whose number no double can hold comes to, without its sign: infinity or zero. A zero byte
@@ -228,11 +223,11 @@ lastElements (const juce::XmlElement& parameters, const ParametersById& known)
 }
 
 juce::ValueTree completeParameters (const juce::XmlElement& parameters,
-                                    juce::AudioProcessorValueTreeState& store)
+                                    const juce::AudioProcessorValueTreeState& store,
+                                    const juce::ValueTree& presentTree)
 {
     const auto known = parametersOf (store);
     const auto last = lastElements (parameters, known);
-    const auto presentTree = store.copyState();
     const auto present = paramsById (presentTree);
     juce::ValueTree complete (presentTree.getType());
     Allowance allowance;
@@ -276,14 +271,11 @@ juce::ValueTree completeParameters (const juce::XmlElement& parameters,
     return complete;
 }
 
-juce::ValueTree copyParameters (juce::AudioProcessorValueTreeState& store)
+void replaceIllegalValues (juce::ValueTree& tree, const juce::AudioProcessorValueTreeState& store)
 {
-    auto tree = store.copyState();
     auto params = paramsById (tree);
 
     for (const auto& [id, parameter] : parametersOf (store))
         if (const auto found = params.find (id); found != params.end())
             found->second.setProperty (kParamValue, presentValue (params, *parameter), nullptr);
-
-    return tree;
 }

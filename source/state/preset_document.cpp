@@ -3,7 +3,7 @@
 
 #include "engine/engine.h"
 #include "state/document_guard.h"
-#include "state/parameter_state.h"
+#include "state/stored_parameters.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -54,15 +54,15 @@ static void addMatrices (juce::XmlElement& root, const VelkorEngine& engine)
 
 std::unique_ptr<juce::XmlElement> writePresetDocument (const juce::String& stateTag,
                                                        const juce::String& presetName,
-                                                       juce::AudioProcessorValueTreeState& store,
+                                                       StoredParameters& parameters,
                                                        const VelkorEngine& engine)
 {
     auto root = std::make_unique<juce::XmlElement> (stateTag);
     root->setAttribute (kPresetName, presetName);
     root->setAttribute (kVersion, kDocumentVersion);
 
-    if (auto parameters = copyParameters (store).createXml())
-        root->addChildElement (parameters.release());
+    if (auto element = parameters.save().createXml())
+        root->addChildElement (element.release());
 
     addMatrices (*root, engine);
     return root;
@@ -80,11 +80,10 @@ bool isPresetDocument (const juce::XmlElement& document, const juce::String& sta
     return hasTag (document, stateTag) && findChild (document, kParametersTag) != nullptr;
 }
 
-void readPresetParameters (const juce::XmlElement& document,
-                           juce::AudioProcessorValueTreeState& store)
+void readPresetParameters (const juce::XmlElement& document, StoredParameters& parameters)
 {
-    if (const auto* parameters = findChild (document, kParametersTag))
-        store.replaceState (completeParameters (*parameters, store));
+    if (const auto* element = findChild (document, kParametersTag))
+        parameters.load (*element);
 }
 
 /** A number of a crosspoint: as much of the text as reads as one, else 0, which is also what a missing

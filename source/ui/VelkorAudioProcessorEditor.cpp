@@ -226,11 +226,13 @@ void VelkorAudioProcessorEditor::buttonClicked (juce::Button* button)
     }
     else if (name == "UNDO")
     {
+        velkor.storedParameters.clearHistoryIfAsked();
         velkor.undoManager.undo();
         repaint();
     }
     else if (name == "REDO")
     {
+        velkor.storedParameters.clearHistoryIfAsked();
         velkor.undoManager.redo();
         repaint();
     }

@@ -213,3 +213,43 @@ TEST_F (PresetReader, ClearsTheUndoHistoryAndTellsTheHostWhatChanged)
     EXPECT_TRUE (host.last.latencyChanged && host.last.parameterInfoChanged &&
                  host.last.programChanged && ! host.last.nonParameterStateChanged);
 }
+
+TEST_F (PresetReader, OnAnotherThreadLoadsAndSavesTheSameAndLeavesTheHistoryToTheMessageThread)
+{
+    const auto text = documentWithParams ("<PARAM id=\"Delay 3 Time\" value=\"nan\"/>"
+                                          "<PARAM id=\"Pan 1\" value=\"0.2500\" midi=\"74\"/>"
+                                          "<PARAM id=\"LFO 1 Rate\" value=\"7.250000\"/>"
+                                          "<PARAM id=\"Kill\" value=\"0.0\"/>");
+    load (text);
+    const auto wanted = textOf (processor);
+    scramble (processor, 7);
+    (void) processor.parameterTree.copyState();  // flushes, which makes the undo action
+    juce::String got;
+    std::thread (
+        [&]
+        {
+            load (wanted);
+            got = textOf (processor);
+        })
+        .join();
+    EXPECT_EQ (got, wanted);
+    EXPECT_EQ (textOf (processor), wanted);
+    EXPECT_TRUE (processor.undoManager.canUndo());
+    juce::MessageManager::getInstance()->runDispatchLoopUntil (50);
+    EXPECT_FALSE (processor.undoManager.canUndo());
+    EXPECT_EQ (textOf (processor), wanted);
+
+    // The store goes on from there: a value that has moved and come back is the number, no longer
+    // the text.
+    for (const float pan : { 0.5f, 0.25f })
+    {
+        auto* const parameter = processor.parameterTree.getParameter ("Pan 1");
+        processor.undoManager.beginNewTransaction();
+        parameter->setValueNotifyingHost (parameter->convertTo0to1 (pan));
+        (void) processor.parameterTree.copyState();
+    }
+
+    EXPECT_EQ (textOf (processor), wanted.replace ("0.2500", "0.25"));
+    EXPECT_TRUE (processor.undoManager.undo());
+    EXPECT_EQ (valueOf (processor, "Pan 1"), 0.5f);
+}

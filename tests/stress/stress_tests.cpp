@@ -89,10 +89,10 @@ TEST_F (Stress, RewiringAndAutomationBesideAudioRacesWithNothing)
 TEST_F (Stress, LoadingAndSavingInALoopBesideAudioLeavesTheLastDocument)
 {
     auto audio = play();
-    std::thread host (  // hosts ask for the name on any thread
+    std::thread host (  // hosts ask for the name, and save, on any thread
         [this]
         {
-            while (! stop)
+            for (juce::MemoryBlock saved; ! stop; processor.getStateInformation (saved))
                 readings += processor.getProgramName (0).isNotEmpty() ? 1 : 0;
         });
 
@@ -103,6 +103,8 @@ TEST_F (Stress, LoadingAndSavingInALoopBesideAudioLeavesTheLastDocument)
     for (int i = 0; i < 20 * 64 || blocks < 200 || readings < 1; ++i)
     {
         setStateFromText (processor, documents[i % 64]);
+        processor.parameterTree.getParameter ("Kill")->setValueNotifyingHost (1.0f);
+        EXPECT_FALSE (processor.undoManager.canUndo());  // as an open editor's timer asks
 
         if (i % 7 == 0)
         {
@@ -117,5 +119,35 @@ TEST_F (Stress, LoadingAndSavingInALoopBesideAudioLeavesTheLastDocument)
     host.join();
     EXPECT_TRUE (allFinite);
     EXPECT_EQ (textOf (processor).toStdString(), keptDocument ("default_saved.zbpreset"));
+    EXPECT_EQ (faultOf (processor), "");
+}
+
+TEST_F (Stress, LoadingOnAHostsThreadBesideAnOpenEditorRacesWithNothing)
+{
+    juce::MemoryBlock chunk;
+    processor.getStateInformation (chunk);
+    std::unique_ptr<juce::AudioProcessorEditor> editor (processor.createEditorIfNeeded());
+    std::thread host (
+        [&]
+        {
+            for (juce::MemoryBlock saved; ! stop; ++readings)
+            {
+                processor.setStateInformation (chunk.getData(), static_cast<int> (chunk.getSize()));
+                processor.getStateInformation (saved);
+            }
+        });
+    auto* const parameter = processor.parameterTree.getParameter ("Pan 1");
+
+    for (int i = 0; i < 100 || readings < 100; ++i)
+    {
+        juce::MessageManager::getInstance()->runDispatchLoopUntil (5);  // its timer, the store's
+        parameter->setValueNotifyingHost (0.001f * static_cast<float> (i % 1000));
+        (void) processor.parameterTree.copyState();  // flushes, which makes the undo action
+        processor.undoManager.undo();                // as a click does
+    }
+
+    stop = true;
+    host.join();
+    editor.reset();
     EXPECT_EQ (faultOf (processor), "");
 }
