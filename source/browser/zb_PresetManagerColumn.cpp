@@ -61,9 +61,11 @@ zb_PresetManager& zb_PresetManagerColumn::manager() const
 
 void zb_PresetManagerColumn::resized()
 {
-    listBox->setBounds (getLocalBounds());
+    // The height first: a list has a component for each row that fits, and the old rows may be far
+    // lower.
     listBox->setRowHeight (
         juce::roundToInt (unit * kRowUnits));  // at least 1, and the steps with it
+    listBox->setBounds (getLocalBounds());
 
     const int thickness = juce::roundToInt (unit * 0.5f);
     listBox->getViewport()->setScrollBarThickness (

@@ -5,6 +5,25 @@
 
 static constexpr int kFadeMs = 250;
 static constexpr int kLampTicks = 8;
+static constexpr int kMinWidth = 600;
+static constexpr int kMaxWidth = 1500;
+static constexpr int kDefaultWidth = 900;
+
+/** No window system has wider ones: its coordinates have 16 bits. */
+static constexpr int kMaxWindowWidth = 32767;
+
+/** Three quarters, cut toward zero. */
+static int heightFor (int width)
+{
+    return static_cast<int> (width * 0.75);
+}
+
+/** The legal width next to a stored one; the default where that is missing or damaged. */
+static int legalWidth (int stored)
+{
+    return stored > 0 && stored <= kMaxWindowWidth ? juce::jlimit (kMinWidth, kMaxWidth, stored)
+                                                   : kDefaultWidth;
+}
 
 static juce::Path outlineOf (const char* svg, int size)
 {
@@ -42,13 +61,14 @@ static juce::Rectangle<int> truncated (float x, float y, float width, float heig
 
 VelkorAudioProcessorEditor::VelkorAudioProcessorEditor (
     VelkorAudioProcessor& processorToUse, juce::AudioProcessorValueTreeState& stateToUse)
-    : juce::AudioProcessorEditor (processorToUse), velkor (processorToUse), state (stateToUse)
+    : juce::AudioProcessorEditor (processorToUse), velkor (processorToUse), state (stateToUse),
+      shownWidth (legalWidth (velkor.uiWidth))
 {
     cornerResizer = std::make_unique<juce::ResizableCornerComponent> (this, &constrainer);
     cornerResizer->setAlpha (0.0f);
     addAndMakeVisible (*cornerResizer);
 
-    constrainer.setSizeLimits (600, 450, 1500, 1125);
+    constrainer.setSizeLimits (kMinWidth, heightFor (kMinWidth), kMaxWidth, heightFor (kMaxWidth));
     constrainer.setFixedAspectRatio (4.0 / 3.0);
     setConstrainer (&constrainer);
 
@@ -79,7 +99,12 @@ VelkorAudioProcessorEditor::VelkorAudioProcessorEditor (
 
     setTitle ("Velkor");
     setOpaque (true);
-    setBounds (getX(), getY(), velkor.uiWidth, static_cast<int> (velkor.uiWidth * 0.75));
+
+    // The limits don't apply before a host shows the editor. But what no window can be is not laid
+    // out.
+    const int stored = velkor.uiWidth;
+    const int width = stored > kMaxWindowWidth ? shownWidth : stored;
+    setBounds (getX(), getY(), width, heightFor (width));
     startTimer (33);
 }
 
@@ -133,8 +158,8 @@ void VelkorAudioProcessorEditor::resized()
     const auto width = static_cast<float> (getWidth());
     const auto u = width * 0.01f;
     unit = u;
-    velkor.uiWidth = getWidth();
-    velkor.uiHeight = getHeight();
+    velkor.uiWidth = legalWidth (getWidth());
+    velkor.uiHeight = hasLegalWidth() ? getHeight() : heightFor (velkor.uiWidth);
     velkor.writeGlobals();
     shared->scale = u;
 
@@ -166,6 +191,18 @@ void VelkorAudioProcessorEditor::resized()
     const auto grip = static_cast<int> (u) * 2;
     cornerResizer->setBounds (getWidth() - grip, getHeight() - grip, grip, grip);
     cornerResizer->setAlwaysOnTop (true);
+}
+
+bool VelkorAudioProcessorEditor::hasLegalWidth() const
+{
+    return getWidth() >= kMinWidth && getWidth() <= kMaxWidth;
+}
+
+// Hosts ask for the size once they have given the editor a parent or a window.
+void VelkorAudioProcessorEditor::parentHierarchyChanged()
+{
+    if (! hasLegalWidth() && (getParentComponent() != nullptr || isOnDesktop()))
+        setSize (shownWidth, heightFor (shownWidth));
 }
 
 // --- events --------------------------------------------------------------------------------------------

@@ -18,7 +18,8 @@ class VelkorAudioProcessorEditor : public juce::AudioProcessorEditor,
                                    public juce::Timer
 {
 public:
-    /** Opens at the processor's uiWidth. Both outlive the editor. */
+    /** Opens at the processor's uiWidth, legal or not, unless no window can be that wide. Both
+        outlive the editor. */
     VelkorAudioProcessorEditor (VelkorAudioProcessor& processorToUse,
                                 juce::AudioProcessorValueTreeState& stateToUse);
     ~VelkorAudioProcessorEditor() override;
@@ -26,8 +27,12 @@ public:
     void paint (juce::Graphics& g) override;
     void paintOverChildren (juce::Graphics& g) override;
 
-    /** Lays everything out and writes the new size into the machine's settings. */
+    /** Lays everything out and writes the new size into the machine's settings; the next legal
+        one for a size that is not. */
     void resized() override;
+
+    /** Takes a legal size once a host shows the editor, if the stored one is not. */
+    void parentHierarchyChanged() override;
 
     /** Steps to the next preset at the ends of the preset field, opens the browser between them. */
     void mouseDown (const juce::MouseEvent& event) override;
@@ -43,6 +48,7 @@ public:
 private:
     static constexpr float kLogoAspect = 7.633588f;  ///< of the maker's logo, width to height
 
+    bool hasLegalWidth() const;
     void buildButtons();
     std::unique_ptr<juce::TextButton> makeButton (const char* name, const char* toolTip);
     void openBrowser();
@@ -62,6 +68,7 @@ private:
         9.0f;  ///< a hundredth of the window's width, pixels; set when the window is resized
     std::unique_ptr<juce::ResizableCornerComponent> cornerResizer;
     juce::ComponentBoundsConstrainer constrainer;
+    const int shownWidth;  ///< legal: what a window of another width becomes when a host shows it
     std::unique_ptr<zb_PresetManager> presetManager;
     std::unique_ptr<AboutView> aboutView;  ///< null until ABOUT is clicked; then the last one shown
     std::unique_ptr<juce::TextButton> aboutButton, favoriteButton, bypassButton, undoButton,

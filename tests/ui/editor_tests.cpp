@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "state/global_settings.h"
+#include "state/state_carriers.h"
 #include "ui/VelkorAudioProcessorEditor.h"
 #include "ui/ui_fixture.h"
 
+#include <climits>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <thread>
@@ -68,6 +70,50 @@ TEST_F (Editor, OpensAtTheStoredWidthAndThreeQuartersOfItHigh)
     EXPECT_EQ (editor->getConstrainer()->getMinimumWidth(), 600);
     EXPECT_EQ (editor->getConstrainer()->getMaximumWidth(), 1500);
     EXPECT_EQ (editor->getConstrainer()->getFixedAspectRatio(), 4.0 / 3.0);
+}
+
+TEST_F (Editor, IsOfALegalSizeOnceAHostShowsItWhateverSizeWasStored)
+{
+    juce::MemoryBlock chunk;
+
+    for (const int stored : { 599, 1501, 1, 0, -900, 32767, 10000000, INT_MAX, INT_MIN })
+    {
+        SCOPED_TRACE (stored);
+        processor.uiWidth = stored;
+        open();
+        juce::Component host;
+        host.addAndMakeVisible (*editor);
+        const int width = editor->getWidth();
+        ASSERT_TRUE (width >= 600 && width <= 1500) << width;
+        EXPECT_EQ (editor->getHeight(), width * 3 / 4);
+        EXPECT_EQ (button ("BYPASS").getHeight(), width / 50);
+
+        GlobalSettings written {};
+        readGlobalSettings (globalSettingsFile (processor.presetFolder), written);
+        EXPECT_EQ (written.uiWidth, width);
+        processor.getStateInformation (chunk);
+        const auto saved = readChunk (chunk.getData(), static_cast<int> (chunk.getSize()));
+        EXPECT_EQ (saved->getIntAttribute ("uiWidth"), width);
+    }
+}
+
+TEST_F (Editor, OfAHugeSizeMakesNoMoreRowsThanItShows)
+{
+    struct Count : juce::ComponentListener
+    {
+        void componentChildrenChanged (juce::Component&) override { ++changes; }
+        int changes = 0;
+    };
+
+    auto& rows = *childOf<zb_PresetManager> (*editor)
+                      ->getColumn (0)
+                      ->listBox->getViewport()
+                      ->getViewedComponent();
+    Count count;
+    rows.addComponentListener (&count);
+    editor->setSize (30000, 22500);
+    rows.removeComponentListener (&count);
+    EXPECT_LT (count.changes, 100);
 }
 
 TEST_F (Editor, MarksThePresetWhileThereIsSomethingToUndo)
