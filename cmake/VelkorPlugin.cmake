@@ -47,6 +47,7 @@ set(PLUGIN_SOURCES
     source/browser/busy_cover.cpp
     source/browser/column_drag.cpp
     source/browser/column_paint.cpp
+    source/browser/factory_download.cpp
     source/browser/favorites_file.cpp
     source/browser/preset_adjectives.cpp
     source/browser/preset_listing.cpp

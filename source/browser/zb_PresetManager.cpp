@@ -28,12 +28,6 @@ zb_PresetManager::zb_PresetManager (zb_AudioProcessor& owner, juce::File& folder
 
 zb_PresetManager::~zb_PresetManager()
 {
-    if (downloadTask != nullptr)
-    {
-        downloadTask.reset();  // stops its thread
-        downloadTarget().deleteFile();
-    }
-
     deleteColumnsBehind (-1);
 }
 

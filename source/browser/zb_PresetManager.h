@@ -4,6 +4,7 @@
 #include "browser/browser_look.h"
 #include "browser/browser_strings.h"
 #include "browser/busy_cover.h"
+#include "browser/factory_download.h"
 #include "browser/zb_PresetManagerColumn.h"
 #include "browser/zb_PresetManagerDeleteWindow.h"
 #include "browser/zb_PresetManagerDownloadListener.h"
@@ -153,11 +154,9 @@ public:
     std::unique_ptr<zb_PresetManagerDeleteWindow> deleteWindow;
     std::unique_ptr<zb_PresetManagerSaveWindow> saveWindow;
     std::unique_ptr<BusyCover> busyCover;  ///< while an import is at it
-    std::unique_ptr<zb_PresetManagerDownloadListener> downloadListener;
+    std::shared_ptr<zb_PresetManagerDownloadListener> downloadListener;  ///< and the download's
     std::unique_ptr<zb_PresetManagerDownloadPanel> downloadPanel;
-
-    /** The running download, empty if none is. Behind the listener, which its thread calls. */
-    std::unique_ptr<juce::URL::DownloadTask> downloadTask;
+    std::unique_ptr<FactoryDownload> download;  ///< the running one; empty if none is
 
 private:
     KnownPreset nameAndType (const juce::String& relativePath, const juce::File& file);

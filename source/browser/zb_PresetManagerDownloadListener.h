@@ -5,7 +5,7 @@
 
 #include <atomic>
 
-/** How far a download is: told by its thread, read by the message thread. */
+/** How far a download is: written by its thread, read by the message thread. */
 class zb_PresetManagerDownloadListener : public juce::URL::DownloadTaskListener
 {
 public:

@@ -12,33 +12,33 @@ juce::File zb_PresetManager::downloadTarget() const
 
 void zb_PresetManager::downloadFactoryContent()
 {
-    if (downloadTask != nullptr)
+    if (download != nullptr)
         return;  // the button stays live while the loop below runs
 
-    downloadListener = std::make_unique<zb_PresetManagerDownloadListener>();
+    downloadListener = std::make_shared<zb_PresetManagerDownloadListener>();
     downloadPanel = std::make_unique<zb_PresetManagerDownloadPanel> (*this);
     addAndMakeVisible (*downloadPanel);
     downloadPanel->layOut (unit);
 
-    auto url = processor.factoryContentUrl;
-    downloadTask = url.downloadToFile (
-        downloadTarget(), juce::URL::DownloadTaskOptions().withListener (downloadListener.get()));
+    download = std::make_unique<FactoryDownload> (processor.factoryContentUrl, downloadTarget(),
+                                                  downloadListener);
 
     const SafePointer<zb_PresetManager> stillThere (this);
-    bool running = downloadTask != nullptr;
+    bool running = true;
 
     while (running && ! downloadListener->isFinished)
     {
-        downloadPanel->updatePanel (juce::translate ("Downloading"), downloadListener->fraction,
-                                    false);
+        if (download->isConnected())
+            downloadPanel->updatePanel (juce::translate ("Downloading"), downloadListener->fraction,
+                                        false);
+
         running = letMessageLoopRun();
 
         if (stillThere == nullptr)
             return;
-    }
 
-    // A task may be made, and end at once, where no server was reached: then there is no answer's number.
-    running = running && downloadTask->statusCode() > 0;
+        running = running && ! download->hasNoServer();
+    }
 
     if (running)
     {
@@ -51,8 +51,7 @@ void zb_PresetManager::downloadFactoryContent()
         installFactoryContent();
     }
 
-    downloadTask.reset();
-    downloadTarget().deleteFile();
+    download.reset();
     removeChildComponent (downloadPanel.get());
 
     if (running)

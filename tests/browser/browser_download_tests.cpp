@@ -2,6 +2,7 @@
 #include "browser/archive_bench.h"
 #include "browser/browser_fixture.h"
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <thread>
@@ -119,6 +120,44 @@ TEST_F (BrowserDownload, EndsWithTheBrowser)
     juce::Timer::callAfterDelay (150, [this] { manager.reset(); });
     download (good, firstHalf, {}, 1000);
     EXPECT_EQ (manager, nullptr);
+    EXPECT_FALSE (lib ("fact.zip").exists() || lib ("User").exists());
+    EXPECT_TRUE (processor.factoryContentOffered);
+}
+
+TEST_F (BrowserDownload, OfASilentServerShowsThatAndEndsWithTheBrowser)
+{
+    std::atomic<bool> wasAsked { false }, wasShown { false }, hasHungUp { false };
+    listener.createListener (0, "127.0.0.1");
+    server = std::jthread (
+        [&]
+        {
+            if (listener.waitUntilReady (true, 5000) != 1)
+                return;
+
+            const std::unique_ptr<juce::StreamingSocket> to (listener.waitForNextConnection());
+            readHead (*to);
+            wasAsked = true;
+
+            for (int i = 0; i < 100 && ! wasShown; ++i)  // gives up, should nobody look
+                juce::Thread::sleep (20);
+
+            char byte = 0;
+            hasHungUp =
+                wasShown && to->waitUntilReady (true, 5000) == 1 && to->read (&byte, 1, false) <= 0;
+        });
+    const Onlooker onlooker (
+        [&]
+        {
+            if (! wasAsked || manager == nullptr)
+                return;
+
+            wasShown = browser().downloadPanel->message == "CONTACTING SERVER";
+            manager.reset();
+        });
+    download (juce::URL ("http://127.0.0.1:" + juce::String (listener.getBoundPort())));
+    EXPECT_TRUE (wasShown);
+    server.join();
+    EXPECT_TRUE (hasHungUp);
     EXPECT_FALSE (lib ("fact.zip").exists() || lib ("User").exists());
     EXPECT_TRUE (processor.factoryContentOffered);
 }
