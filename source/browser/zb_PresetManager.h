@@ -153,7 +153,7 @@ public:
     std::array<std::unique_ptr<juce::TextButton>, kNumCommands> buttons;
     std::unique_ptr<zb_PresetManagerDeleteWindow> deleteWindow;
     std::unique_ptr<zb_PresetManagerSaveWindow> saveWindow;
-    std::unique_ptr<BusyCover> busyCover;  ///< while an import is at it
+    std::unique_ptr<BusyCover> busyCover;  ///< while an import or an export is at it
     std::shared_ptr<zb_PresetManagerDownloadListener> downloadListener;  ///< and the download's
     std::unique_ptr<zb_PresetManagerDownloadPanel> downloadPanel;
     std::unique_ptr<FactoryDownload> download;  ///< the running one; empty if none is
@@ -175,6 +175,7 @@ private:
     void pasteFromClipboard();
     void chooseImport();
     bool unpackUnderCover (const juce::File& archive, const juce::File& target);
+    bool coverForExport();
     void chooseExport();
     void openDeleteWindow();
     void openSaveWindow();

@@ -179,14 +179,46 @@ juce::File zb_PresetManager::makeExport() const
     return selected.isDirectory() ? exportFolder (selected) : selected;
 }
 
-void zb_PresetManager::chooseExport()
+/** Covers the browser and lets that be painted; false if the browser has gone meanwhile. */
+bool zb_PresetManager::coverForExport()
 {
     const SafePointer<zb_PresetManager> stillThere (this);
-    const auto file = makeExport();
-    juce::FileChooser chooser (
-        "Export to...", childOf (juce::File::getSpecialLocation (juce::File::userDesktopDirectory),
-                                 file.getFileName()));
+    busyCover = std::make_unique<BusyCover> (*this, juce::translate ("Exporting"));
+    return letMessageLoopRun() && stillThere != nullptr;
+}
 
-    if (chooser.browseForDirectory() && stillThere != nullptr)
-        copyInto (file, chooser.getResult());
+/** What to ask a chooser for. JUCE's own cannot be left with "Open" while the name in it is that
+    of no file; in its save mode it can, and offers to make a folder. */
+static int folderChooserFlags()
+{
+    using Flags = juce::FileBrowserComponent::FileChooserFlags;
+    return (juce::FileChooser::isPlatformDialogAvailable() ? Flags::openMode : Flags::saveMode) |
+           Flags::canSelectDirectories;
+}
+
+/** The desktop; the home folder where there is no desktop, as on a machine without a session. */
+static juce::File startFolder()
+{
+    const auto desktop = juce::File::getSpecialLocation (juce::File::userDesktopDirectory);
+    return desktop.isDirectory() ? desktop
+                                 : juce::File::getSpecialLocation (juce::File::userHomeDirectory);
+}
+
+void zb_PresetManager::chooseExport()
+{
+    if (busyCover != nullptr || ! coverForExport())
+        return;
+
+    const SafePointer<zb_PresetManager> stillThere (this);
+    const auto file = makeExport();
+    busyCover.reset();
+    juce::FileChooser chooser ("Export to...", childOf (startFolder(), file.getFileName()));
+
+    if (! chooser.showDialog (folderChooserFlags(), nullptr) || stillThere == nullptr ||
+        ! coverForExport())
+        return;
+
+    const auto chosen = chooser.getResult();
+    copyInto (file, chosen.isDirectory() ? chosen : chosen.getParentDirectory());
+    busyCover.reset();
 }

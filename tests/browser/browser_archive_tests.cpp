@@ -2,7 +2,7 @@
 #include "browser/archive_bench.h"
 #include "browser/archive_export.h"
 #include "browser/archive_import.h"
-#include "browser/browser_fixture.h"
+#include "browser/browser_window_fixture.h"
 
 #include <algorithm>
 #include <cstring>
@@ -272,4 +272,91 @@ TEST_F (BrowserArchives, ExportCopiesAPresetAndLosesNothing)
     EXPECT_FALSE (copyInto (file, desk));
     EXPECT_EQ (bytesOf (desk.getChildFile ("one.zbpreset")), whole);
     EXPECT_EQ (desk.getNumberOfChildFiles (juce::File::findFiles), 1);
+}
+
+class BrowserWindowExport : public BrowserWindow
+{
+protected:
+    /** Presses the export button and, in JUCE's own chooser, the button that ends it; types a
+        name before, if one is given. */
+    void exportWith (const juce::String& name = {})
+    {
+        auto& modals = *juce::ModalComponentManager::getInstance();
+        int looks = 0;
+        const Onlooker onlooker (
+            [&]
+            {
+                coverSeen = coverSeen ||
+                            (browser().busyCover != nullptr && browser().busyCover->isShowing());
+                auto* const box =
+                    dynamic_cast<juce::FileChooserDialogBox*> (modals.getModalComponent (0));
+
+                if (box == nullptr || ++looks < 20)
+                    return;
+
+                if (name.isNotEmpty())
+                    find<juce::FileBrowserComponent> (*box)->setFileName (name);
+
+                for (const auto* verb : { "Open", "Choose", "Save" })
+                    if (auto* button = find<juce::TextButton> (*box, verb);
+                        button != nullptr && button->isEnabled())
+                        button->triggerClick();
+
+                if (looks > 60)
+                    box->exitModalState (0);
+            });
+        browser().buttonClicked (browser().buttons[kExportCommand].get());
+    }
+
+    /** The first component of a class below another, with this name if one is given. */
+    template <typename Wanted>
+    static Wanted* find (juce::Component& below, const juce::String& name = {})
+    {
+        for (auto* child : below.getChildren())
+        {
+            if (auto* found = dynamic_cast<Wanted*> (child);
+                found != nullptr && (name.isEmpty() || child->getName() == name))
+                return found;
+
+            if (auto* found = find<Wanted> (*child, name))
+                return found;
+        }
+
+        return nullptr;
+    }
+
+    bool coverSeen = false;
+};
+
+TEST_F (BrowserWindowExport, GoesToTheChosenFolderOrToThatOfTheChosenFile)
+{
+    setenv ("PATH", "", 1);  // no program to ask with: JUCE's own chooser
+
+    if (juce::FileChooser::isPlatformDialogAvailable())
+        GTEST_SKIP() << "another chooser has been found already";
+
+    const auto desk = juce::File::getSpecialLocation (juce::File::userDesktopDirectory);
+    ASSERT_TRUE (desk.createDirectory() && desk.getChildFile ("sub").createDirectory());
+    putPreset ("Current/zero.zbpreset", "Zero");
+    putPreset ("Set/one.zbpreset", "One");
+    show();
+    select (0, "Set");
+    exportWith();
+    EXPECT_TRUE (coverSeen);
+    EXPECT_EQ (browser().busyCover, nullptr);
+    EXPECT_EQ (juce::ZipFile (desk.getChildFile ("Set.zip")).getNumEntries(), 1);
+
+    // The old pack is what the chooser opens with.
+    putPreset ("Set/two.zbpreset", "Two");
+    exportWith();
+    EXPECT_EQ (juce::ZipFile (desk.getChildFile ("Set.zip")).getNumEntries(), 2);
+
+    exportWith ("sub");
+    EXPECT_TRUE (desk.getChildFile ("sub/Set.zip").existsAsFile());
+    putFile (desk.getChildFile ("sub/other"), "as it was");
+    ASSERT_TRUE (desk.getChildFile ("sub/Set.zip").deleteFile());
+    exportWith ("sub/other");
+    EXPECT_TRUE (desk.getChildFile ("sub/Set.zip").existsAsFile());
+    EXPECT_EQ (bytesOf (desk.getChildFile ("sub/other")), "as it was");
+    EXPECT_EQ (desk.getNumberOfChildFiles (juce::File::findFilesAndDirectories), 2);
 }
