@@ -50,7 +50,9 @@ private:
 juce::AudioParameterFloatAttributes floatAttributes (FloatText text, const char* label)
 {
     const juce::AudioParameterFloatAttributes plain;
-    return plain.withStringFromValueFunction (text).withLabel (label);
+    return plain.withStringFromValueFunction (text)
+        .withValueFromStringFunction (numberOf)
+        .withLabel (label);
 }
 
 void LayoutBuilder::addFloat (NumericalParamID number, const Range& range, FloatText text,

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "parameters/gain_parameter.h"
 
+#include "parameters/parameter_text.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -28,7 +30,5 @@ juce::String AudioParameterGain::getText (float normalised, int) const
 
 float AudioParameterGain::getValueForText (const juce::String& text) const
 {
-    const auto number = text.dropLastCharacters (kUnitLength).getDoubleValue();
-
-    return convertTo0to1 (static_cast<float> (number));
+    return convertTo0to1 (numberOf (text.dropLastCharacters (kUnitLength)));
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "parameters/parameter_text.h"
 
+#include <cmath>
+
 namespace
 {
 juce::String decimals (float value, int numDecimals)
@@ -127,4 +129,10 @@ juce::String filterModeText (float mode, int)
             return band.text;
 
     return "Highpass";
+}
+
+float numberOf (const juce::String& text)
+{
+    const auto number = static_cast<float> (text.getDoubleValue());
+    return std::isnan (number) ? 0.0f : number;
 }

@@ -57,3 +57,7 @@ juce::String envTimeText (float seconds, int maximumLength);
 /** 0 to 1 as the filter response, or pair of responses, that the morph stands at: "Notch" to
     "Highpass". */
 juce::String filterModeText (float mode, int maximumLength);
+
+/** The number that a typed text begins with. Text without one gives 0, "nan" too: a host must not get what is no number.
+    "inf" and what is too large give an infinity, which the ranges clip. */
+float numberOf (const juce::String& text);

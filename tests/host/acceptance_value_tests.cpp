@@ -88,6 +88,30 @@ TEST (Acceptance, EachParameterTakesANumberTypedInItsOwnUnit)
     }
 }
 
+TEST (Acceptance, TextThatIsNoNumberGivesTheHostAValueInRange)
+{
+    const DirectPlayer player;
+
+    for (int number = 0; number < kNumParameters; ++number)
+        for (const char* text : { "nan", "nan dB", "-NaN dB", " nan ms", "inf", "-inf", "inf dB",
+                                  "1e999", "-1e999 dB", "", "dB", "rubbish" })
+        {
+            SCOPED_TRACE (juce::String (paramMapper[number].name) + ", " + text);
+            auto& parameter = player.parameter (static_cast<NumericalParamID> (number));
+            const float value = parameter.getValueForText (text);
+            ASSERT_TRUE (value >= 0.0f && value <= 1.0f) << value;
+
+            if (juce::String (text).containsIgnoreCase ("nan"))
+            {
+                EXPECT_EQ (value, parameter.getValueForText ("rubbish"));
+            }
+
+            parameter.setValueNotifyingHost (value);
+            const float held = parameter.getValue();
+            EXPECT_TRUE (held >= 0.0f && held <= 1.0f) << held;
+        }
+}
+
 TEST (Acceptance, StatesRestoredInRandomOrderComeBackWholeWhateverWasPlayedBetween)
 {
     struct Saved
