@@ -6,6 +6,7 @@
 #include "noise.h"
 #include "patches.h"
 
+#include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cmath>
 #include <cstdlib>
@@ -300,3 +301,58 @@ static void engineBlock (benchmark::State& state)
 }
 
 BENCHMARK (engineBlock)->ArgName ("block")->Arg (4)->Arg (16)->Arg (512);
+
+/** The middle of many times. */
+static double median (std::vector<double>& times)
+{
+    std::ranges::sort (times);
+    return times[times.size() / 2];
+}
+
+/** The block that runs away when both lines are full of sound, and those behind it, in which what the lines held is
+    cleared bit by bit. */
+static void runawayOfFullLines (benchmark::State& state)
+{
+    const auto n = static_cast<int> (state.range (0));
+    const auto sampleRate = static_cast<double> (state.range (1));
+    const juce::ScopedNoDenormals noDenormals;
+    setAudioSamplingRate (44100.0);  // as a new process has it: the buffers grow with the rate then
+    VelkorEngine engine;
+    engine_prepare (engine, sampleRate);
+    const std::vector<float> input = whiteNoise (static_cast<std::size_t> (n), 3);
+    std::vector<float> left, right;
+    std::vector<double> usual, runaway, behind;
+
+    const auto play = [&] (double seconds, bool runsAway, std::vector<double>& microseconds)
+    {
+        for (double time = 0.0; time < seconds; time += static_cast<double> (n) / sampleRate)
+        {
+            left = input;
+            left[0] = runsAway ? 3.0e38f : left[0];  // twice that is more than the envelope can sum
+            right = left;
+            const Stopwatch stopwatch;
+            engine_dsp_block (engine, left.data(), right.data(), n, Transport {});
+            microseconds.push_back (stopwatch.nanoseconds() * 1.0e-3);
+        }
+    };
+
+    for (auto _ : state)
+    {
+        play (14.0, false, usual);
+        play (1.0e-6, true, runaway);  // one block
+        play (0.2, false, behind);
+    }
+
+    state.counters["runaway_us"] = median (runaway);
+    state.counters["worst_us"] = runaway.back();
+    state.counters["behind_us"] = median (behind);
+    state.counters["behind_p99_us"] = behind[behind.size() * 99 / 100];
+    state.counters["usual_us"] = median (usual);
+    state.counters["usual_p99_us"] = usual[usual.size() * 99 / 100];
+}
+
+BENCHMARK (runawayOfFullLines)
+    ->ArgNames ({ "block", "rate" })
+    ->Args ({ 64, 48000 })
+    ->Args ({ 64, 192000 })
+    ->Iterations (10);

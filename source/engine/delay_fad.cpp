@@ -5,9 +5,9 @@
 #include "engine/sync_beats.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 
 static constexpr std::uint64_t kSlotsAtConstruction = 576000;  // 12 s at 48 kHz
 
@@ -17,26 +17,34 @@ static void placeHeads (DelayFad& line) noexcept
     line.writePos = static_cast<float> (line.delaySamples) - 1.0f;
 }
 
-/** Marks all of a new buffer as written, so that the first clearing touches each of its pages: a block that came
-    first to a page would wait for the system to supply it. */
-static void markWhole (DelayFad& line) noexcept
+/** Puts a buffer of zeros in the place of the line's. Without memory it returns false, and the line stays as it is. All
+    pages count as written, so that the first clearing and sweep touch each: a block that came first to a page would
+    wait for the system to supply it. */
+static bool allocate (DelayFad& line, std::uint64_t slots) noexcept
 {
-    const std::uint64_t last = line.bufferSize - 1;
-    line.markShift = std::max (0, static_cast<int> (std::bit_width (last / kNumWrittenMarks)));
-    line.written.fill (false);
-    std::fill_n (line.written.begin(), (last >> line.markShift) + 1, true);
+    const std::uint64_t pages = ((slots - 1) >> kPageShift) + 1;
+
+    // Not realloc: nothing of the old content is wanted, and if this fails the old buffer is to stay.
+    void* const memory = std::calloc (slots * sizeof (float) + 2 * pages * sizeof (bool), 1);
+
+    if (memory == nullptr)
+        return false;
+
+    std::free (line.buffer);
+    line.buffer = static_cast<float*> (memory);
+    line.bufferSize = slots;
+    line.numPages = pages;
+    line.written = static_cast<bool*> (static_cast<void*> (line.buffer + slots));
+    line.stale = line.written + pages;
+    line.numSwept = pages;
+    std::fill_n (line.written, pages, true);
+    return true;
 }
 
 void delay_fad_init (DelayFad& line) noexcept
 {
     line = {};
-    line.buffer = static_cast<float*> (std::calloc (kSlotsAtConstruction, sizeof (float)));
-
-    if (line.buffer != nullptr)
-    {
-        line.bufferSize = kSlotsAtConstruction;
-        markWhole (line);
-    }
+    allocate (line, kSlotsAtConstruction);
 
     const float rate = loadRelaxed (gAudioSamplingRate);
     line.maxTimeMs =
@@ -52,6 +60,8 @@ void delay_fad_free (DelayFad& line) noexcept
     std::free (line.buffer);
     line.buffer = nullptr;
     line.bufferSize = 0;
+    line.numPages = 0;
+    line.numSwept = 0;
 }
 
 void delay_fad_prepare (DelayFad& line) noexcept
@@ -60,19 +70,9 @@ void delay_fad_prepare (DelayFad& line) noexcept
     const auto slots =
         static_cast<std::uint64_t> (static_cast<float> (line.maxTimeMs) * perMs + 1.0f);
 
-    if (slots == line.bufferSize)
+    if (slots == line.bufferSize || ! allocate (line, slots))
         return;
 
-    // Not realloc: nothing of the old content is wanted, and if this fails the old buffer is to stay.
-    auto* const buffer = static_cast<float*> (std::calloc (slots, sizeof (float)));
-
-    if (buffer == nullptr)
-        return;
-
-    std::free (line.buffer);
-    line.buffer = buffer;
-    line.bufferSize = slots;
-    markWhole (line);
     line.delaySamples = static_cast<std::uint64_t> (line.timeMs * perMs);
     placeHeads (line);
     line.lastIn = 0.0f;
@@ -80,32 +80,42 @@ void delay_fad_prepare (DelayFad& line) noexcept
     line.writeRate = 1.0f;
 }
 
-static void clearWritten (DelayFad& line) noexcept
-{
-    bool* const begin = line.written.data();
-    bool* const end = begin + line.written.size();
-    const std::uint64_t stretch = std::uint64_t { 1 } << line.markShift;
-
-    // memchr, since the marks that are set are few: a loop that looks at each takes longer than the rest.
-    static_assert (sizeof (bool) == 1);
-    auto* mark = begin;
-
-    while (auto* const found = std::memchr (mark, 1, static_cast<std::size_t> (end - mark)))
-    {
-        mark = static_cast<bool*> (found);
-        *mark = false;
-        const auto from = static_cast<std::uint64_t> (mark - begin) << line.markShift;
-        const std::uint64_t count = std::min (stretch, line.bufferSize - from);
-        std::memset (line.buffer + from, 0, count * sizeof (float));
-    }
-}
-
 void delay_fad_clear (DelayFad& line) noexcept
 {
-    if (line.buffer != nullptr)
-        clearWritten (line);
-
+    std::transform (line.stale, line.stale + line.numPages, line.written, line.stale,
+                    std::logical_or<>());
+    std::fill_n (line.written, line.numPages, false);
+    line.numSwept = 0;
     placeHeads (line);
+}
+
+static void zeroPage (DelayFad& line, std::uint64_t page) noexcept
+{
+    const std::uint64_t from = page << kPageShift;
+    const std::uint64_t slots =
+        std::min (std::uint64_t { 1 } << kPageShift, line.bufferSize - from);
+    std::fill_n (line.buffer + from, slots, 0.0f);
+    line.stale[page] = false;
+}
+
+void delay_fad_sweep (DelayFad& line, std::uint64_t maxPages) noexcept
+{
+    for (; delay_fad_is_stale (line) && maxPages > 0; --maxPages)
+    {
+        // memchr, since the stale pages may be few: a loop that looks at each takes longer than the rest.
+        static_assert (sizeof (bool) == 1);
+        const bool* const next = line.stale + line.numSwept;
+        const auto* const found = std::memchr (next, 1, line.numPages - line.numSwept);
+
+        if (found == nullptr)
+        {
+            line.numSwept = line.numPages;
+            return;
+        }
+
+        line.numSwept = static_cast<std::uint64_t> (static_cast<const bool*> (found) - line.stale);
+        zeroPage (line, line.numSwept++);
+    }
 }
 
 void delay_fad_set_time (DelayFad& line, bool synced, std::int32_t mult, float timeNorm,
@@ -170,6 +180,15 @@ static ReadPoint takeReadPoint (DelayFad& line, float r, float size) noexcept
     return { 0, 0.0f };
 }
 
+/** Before a slot is read or written: zeroes its page if that is stale. */
+static void freshen (DelayFad& line, std::int64_t slot) noexcept
+{
+    const auto page = static_cast<std::uint64_t> (slot) >> kPageShift;
+
+    if (page >= line.numSwept && line.stale[page]) [[unlikely]]
+        zeroPage (line, page);
+}
+
 /** What goes into one of the slots that the write head crosses: between the previous input and this one at
     share a, and in loop mode the slot under the read head on top. */
 static float writtenValue (const DelayFad& line, float in, float a, std::int64_t readSlot) noexcept
@@ -187,8 +206,9 @@ static float writtenValue (const DelayFad& line, float in, float a, std::int64_t
 
 static void writeSlot (DelayFad& line, std::int64_t slot, float value) noexcept
 {
+    freshen (line, slot);
     line.buffer[slot] = value;
-    line.written[static_cast<std::uint64_t> (slot) >> line.markShift] = true;
+    line.written[static_cast<std::uint64_t> (slot) >> kPageShift] = true;
 }
 
 /** The next whole number at or below x, which is no further out than a head can be. Without the library's
@@ -233,6 +253,8 @@ static float runForward (DelayFad& line, float in, float r, float w, float readS
 
     const auto [i, f] = takeReadPoint (line, r, size);
     const std::int64_t j = i + 1 < slots ? i + 1 : 0;
+    freshen (line, i);
+    freshen (line, j);
     line.out = (1.0f - f) * line.buffer[i] + f * line.buffer[j];
 
     const std::int64_t start = floorOf (w);
@@ -261,6 +283,8 @@ static float runBackward (DelayFad& line, float in, float r, float w, float read
 
     const auto [i, f] = takeReadPoint (line, r, size);
     const std::int64_t j = i == 0 ? slots - 1 : i - 1;
+    freshen (line, i);
+    freshen (line, j);
     line.out = (1.0f - f) * line.buffer[i] + f * line.buffer[j] + line.thru * in;
 
     const std::int64_t start = ceilOf (w);

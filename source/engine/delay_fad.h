@@ -3,15 +3,14 @@
 
 #include "engine/lanes.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
 /** The multipliers of Delay N Multiplier, by its choice index. */
 inline constexpr std::int32_t multTable[4] = { 1, 2, 4, 8 };
 
-/** How many stretches a line's buffer is divided into, at most, to remember which hold sound. */
-inline constexpr std::size_t kNumWrittenMarks = 1024;
+/** A line's buffer is cleared by pages of 2 to this power slots: 4 KB, well under a microsecond each. */
+inline constexpr int kPageShift = 10;
 
 /** A tape-like delay line: one circular buffer under a read and a write head that both move at a variable,
     fractional rate. There is no crossfade: a new time makes the read head run faster or slower until the
@@ -20,7 +19,7 @@ inline constexpr std::size_t kNumWrittenMarks = 1024;
 
     The positions are single precision: at 576000 slots that leaves a fraction of about 1/32 of a slot, and
     that is accepted. Set up with delay_fad_init; from then on the audio thread's alone, but for
-    delay_fad_prepare and delay_fad_clear between blocks. */
+    delay_fad_prepare, delay_fad_clear and delay_fad_sweep between blocks. */
 struct DelayFad
 {
     float timeMs = 0.0f;             ///< effective delay time, 2 to 12000 ms
@@ -38,9 +37,12 @@ struct DelayFad
     bool reverseRequest = false;   ///< direction asked for
     bool loop = false;             ///< recirculate the buffer at unity
     float thru = 0.0f;             ///< 1 while the line is bypassed, else 0
-    float out = 0.0f;    ///< result of the last delay_fad_dsp; the next sample takes it up
-    int markShift = 63;  ///< a mark stands for 2 to this power slots; as it is here, one for all
-    std::array<bool, kNumWrittenMarks> written {};  ///< where slots may be other than 0
+    float out = 0.0f;  ///< result of the last delay_fad_dsp; the next sample takes it up
+
+    std::uint64_t numPages = 0;  ///< of the buffer; the last may be shorter than the others
+    bool* written = nullptr;     ///< by page: slots may be other than 0; behind the buffer's slots
+    bool* stale = nullptr;       ///< by page: cleared, but the slots aren't 0 yet; behind written
+    std::uint64_t numSwept = 0;  ///< so many pages from the first on are not stale
 };
 
 /** Allocates the buffer for the global sample rate and sets the heads; without memory the line stays silent. Any
@@ -55,10 +57,19 @@ void delay_fad_free (DelayFad& line) noexcept;
     and length stay as they are. Any thread, not beside a block. */
 void delay_fad_prepare (DelayFad& line) noexcept;
 
-/** Silences the buffer and puts both heads back; the direction, out, lastIn and a pending reset stay. The time
-    that it takes goes with what was written since the last call; the first one after an allocation goes through
-    the whole buffer. Allocates nothing. Any thread while no block runs, or the audio thread. */
+/** Silences the buffer and puts both heads back; the direction, out, lastIn and a pending reset stay. What was written
+    only becomes stale here: delay_fad_dsp zeroes a stale page before it touches it, and delay_fad_sweep the others, so
+    that this takes two bytes' work per page. Any thread while no block runs, or the audio thread. */
 void delay_fad_clear (DelayFad& line) noexcept;
+
+/** Whether any page may be stale. Then only delay_fad_dsp may read or write the buffer. */
+inline bool delay_fad_is_stale (const DelayFad& line) noexcept
+{
+    return line.numSwept < line.numPages;
+}
+
+/** Zeroes the next stale pages, so many at most. Any thread while no block runs, or the audio thread. */
+void delay_fad_sweep (DelayFad& line, std::uint64_t maxPages) noexcept;
 
 /** Sets the time of the coming block: mult times either the beat length at position timeNorm (synced, at
     tempo beats per minute) or timeMs, within 2 to 12000 ms. A new synced time jumps at once, a new free one

@@ -90,8 +90,8 @@ inline void steadyWrite (const DelayPair& pair, int i, Floats in) noexcept
     DelayFad& line = *pair.line[i];
     const auto first = static_cast<std::uint32_t> (pair.position[i + 2]);
     store (line.buffer + first, (pair.inputShare[i] * in - before) * 0.5f + before);
-    line.written[first >> line.markShift] = true;
-    line.written[(first + ControlTick - 1) >> line.markShift] = true;
+    line.written[first >> kPageShift] = true;
+    line.written[(first + ControlTick - 1) >> kPageShift] = true;
 }
 
 /** Moves steady heads on by a tick whose last inputs were lastIn, in the first two lanes. */
@@ -232,7 +232,7 @@ private:
     {
         DelayFad& line = *pair.line[i];
         line.buffer[slot] = value;
-        line.written[static_cast<std::uint32_t> (slot) >> line.markShift] = true;
+        line.written[static_cast<std::uint32_t> (slot) >> kPageShift] = true;
     }
 
     /** The second slot of those lines that cross two or three, and the third of those. */

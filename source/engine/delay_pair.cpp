@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "engine/delay_pair.h"
 
-/** From here on a tick's writes lie in one stretch of marks or two. */
+/** From here on a tick's writes lie in one page or two. */
 static constexpr std::uint64_t kFewestSlots = 8192;
 
 /** Up to here a position has a bit for the half of a slot, so that floor and ceiling are what they should be. */
@@ -15,7 +15,7 @@ static bool isPlain (const DelayFad& line) noexcept
     return line.buffer != nullptr && line.bufferSize >= kFewestSlots &&
            line.bufferSize <= kMostSlots && line.delaySamples >= kShortestDelay &&
            line.delaySamples <= kMostSlots && ! line.resetPending &&
-           line.reverse == line.reverseRequest && ! line.loop;
+           line.reverse == line.reverseRequest && ! line.loop && ! delay_fad_is_stale (line);
 }
 
 void delay_pair_take (DelayPair& pair, DelayFad& one, DelayFad& two) noexcept

@@ -75,6 +75,9 @@ void engine_prepare (VelkorEngine& engine, double sampleRate) noexcept
     rampSetRate (engine.gateRamp);
     envelope_follower_set_rate (engine.envelope);
     engine_clear (engine);
+
+    for (auto* line : { &engine.delay1, &engine.delay2 })
+        delay_fad_sweep (*line, line->numPages);
 }
 
 void engine_clear (VelkorEngine& engine) noexcept

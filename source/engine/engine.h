@@ -79,8 +79,9 @@ void engine_prepare (VelkorEngine& engine, double sampleRate) noexcept;
 
 /** Silences the signal state: delay buffers and heads (delay_fad_clear), filters, envelope, gate, held notes, node
     values, LFO phases. Connections, routes, LFO records, ramps, note value, wheel and the modulation sources stay,
-    and so do the last input and output of each delay line. Takes no lock and allocates nothing. Any thread while no
-    block runs; the audio thread at the end of a block that ran away. */
+    and so do the last input and output of each delay line. What the delay buffers held is zeroed by the blocks that
+    follow, a piece in each. Takes no lock and allocates nothing. Any thread while no block runs; the audio thread at
+    the end of a block that ran away. */
 void engine_clear (VelkorEngine& engine) noexcept;
 
 /** Makes or breaks a connection of the signal matrix, with its effect on a filter that gains or loses its

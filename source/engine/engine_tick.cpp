@@ -201,6 +201,17 @@ static void setDelayTimes (VelkorEngine& engine, double tempo) noexcept
                         tempo);
 }
 
+/** Zeroes some of what a runaway has left in the delay buffers, in proportion to the block. A buffer of 13 s is done
+    with after 0.4 s; until then the lines run one by one. */
+static void sweepDelays (VelkorEngine& engine, int numSamples) noexcept
+{
+    constexpr std::uint64_t kSamplesPerPage = 32;
+
+    for (auto* line : { &engine.delay1, &engine.delay2 })
+        if (delay_fad_is_stale (*line)) [[unlikely]]
+            delay_fad_sweep (*line, 1 + static_cast<std::uint64_t> (numSamples) / kSamplesPerPage);
+}
+
 /** Puts the records' state into lanes. */
 static void beginBlock (VelkorEngine& engine, BlockLanes& lanes, const LfoBlock& lfoBlock) noexcept
 {
@@ -286,6 +297,7 @@ VELKOR_SAMPLE_LOOP void engine_dsp_block (VelkorEngine& engine, float* left, flo
         return;
 
     setDelayTimes (engine, transport.tempo);
+    sweepDelays (engine, numSamples);
 
     BlockLanes lanes;
     beginBlock (engine, lanes, lfoBlockOf (engine, numSamples, transport));

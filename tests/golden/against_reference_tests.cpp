@@ -234,6 +234,35 @@ TEST (AgainstReference, EverythingConnectedRunsAwayWithTheSameBitsAndSoundsAgain
     EXPECT_TRUE (std::isfinite (duel.product.engine->delay1.out));
 }
 
+TEST (AgainstReference, LinesFullOfSoundThatRunAwayGiveItsBitsWhileTheyAreBeingCleared)
+{
+    for (const double rateBefore : { 44100.0, 1.0e6 })
+    {
+        Noise noise (41);
+        Duel duel (rateBefore);
+        duel.prepare (48000.0);
+        duel.run (noise, rateBefore < 1.0e6 ? 1300 : 100, 512);  // once round the buffers
+
+        for (int i = 0; i < 40 && ! HasFailure(); ++i)
+        {
+            std::vector<float> left (64, 3.0e38f), right = left;  // the envelope's sum overflows
+            duel.process (left, right);
+
+            for (int id = Delay1Time; id <= Delay2Multiplier; ++id)
+                if (noise.chance (0.3f))
+                    duel.set (static_cast<NumericalParamID> (id),
+                              randomValue (duel, static_cast<NumericalParamID> (id), noise));
+
+            duel.run (noise, noise.chance (0.2f) ? 200 : noise.below (60), 1 + noise.below (400));
+
+            if (noise.chance (0.1f))
+                duel.prepare (48000.0);
+        }
+
+        EXPECT_EQ (duel.engine->nonFiniteRescues, 40);
+    }
+}
+
 TEST (AgainstReference, ALineWhoseDelayOutgrewItsBufferReadsAndWritesInsideIt)
 {
     Noise noise (7);

@@ -1,9 +1,19 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
+#include "engine/delay_pair.h"
 #include "engine/engine.h"
 #include "engine/engine_globals.h"
 
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <functional>
 #include <gtest/gtest.h>
 #include <limits>
+#include <thread>
+#include <utility>
+#include <vector>
 
 TEST (Engine, RefusesRatesThatNoBufferCouldBeMeasuredBy)
 {
@@ -21,5 +31,52 @@ TEST (Engine, RefusesRatesThatNoBufferCouldBeMeasuredBy)
 
     engine_prepare (engine, 1.0);
     EXPECT_EQ (engine.sampleRate, 1.0);
+    setAudioSamplingRate (44100.0);
+}
+
+TEST (Engine, ARunawayAfterLongPlayingIsClearedAPieceAtATimeAndWithinASecond)
+{
+    constexpr std::size_t kBlock = 256;
+    constexpr std::ptrdiff_t kMostSlots = 16384;  // of a line, in a block
+    setAudioSamplingRate (44100.0);
+    VelkorEngine engine;
+    engine_prepare (engine, 48000.0);
+    const DelayFad& line = engine.delay1;
+    EXPECT_FALSE (delay_fad_is_stale (line)) << "preparing leaves nothing to the audio thread";
+    std::vector<float> left, right, before;
+    const auto play = [&] (float first, float others)
+    {
+        left.assign (kBlock, others);
+        left[0] = first;
+        right = left;
+        engine_dsp_block (engine, left.data(), right.data(), kBlock, Transport {});
+    };
+
+    for (std::uint64_t n = 0; n < line.bufferSize + 1000; n += kBlock)
+        play (0.5f, 0.5f);
+
+    before.assign (line.buffer, line.buffer + line.bufferSize);
+    ASSERT_GT (*std::ranges::min_element (before), 0.1f) << "sound in every slot";
+
+    for (int i = 0; i < 188; ++i)
+    {
+        play (i == 0 ? 3.0e38f : 0.0f, 0.0f);  // twice that is more than the envelope can sum
+        std::ptrdiff_t cleared = 0;
+
+        for (std::size_t n = 0; n < before.size(); ++n)
+        {
+            cleared += before[n] != 0.0f && line.buffer[n] == 0.0f ? 1 : 0;
+            before[n] = line.buffer[n];
+        }
+
+        ASSERT_LE (cleared, kMostSlots) << "block " << i;
+    }
+
+    for (const float x : before)
+        ASSERT_LT (std::abs (x), 1.0e-6f);
+
+    DelayPair pair;
+    delay_pair_take (pair, engine.delay1, engine.delay2);
+    EXPECT_TRUE (pair.canBePaired) << "and the quick ways are open again";
     setAudioSamplingRate (44100.0);
 }
