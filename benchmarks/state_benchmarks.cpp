@@ -143,24 +143,42 @@ static std::vector<double> watchHolds (const TickLock& lock, const std::atomic<b
     return holds;
 }
 
-static void longestHold (benchmark::State& state)
+/** How long an edit keeps a lock: a load of a whole preset, or a click on a cell of a grid, which is half full then. */
+static void longestHold (benchmark::State& state, bool isClick)
 {
     VelkorAudioProcessor processor;
     const juce::String texts[] = { documentWith (true, 0.3f), documentWith (true, 0.7f) };
-    const auto& lock = state.range (0) == 0 ? processor.engine->signal.connectionLock
-                                            : processor.engine->modulation.modLock;
+    const bool isSignal = state.range (0) == 0;
+    const auto& lock =
+        isSignal ? processor.engine->signal.connectionLock : processor.engine->modulation.modLock;
     std::atomic<bool> stop { false };
     std::vector<double> holds;
     std::thread watcher ([&] { holds = watchHolds (lock, stop); });
     std::size_t turn = 0;
 
     for (auto _ : state)
-        setStateFromText (processor, texts[turn++ % 2]);
+    {
+        // 37 is prime to the numbers of cells: each comes up once before the first comes again.
+        const auto cell = static_cast<int> (turn * 37 % (isSignal ? 80 : 60));
+        const bool on = turn++ * 37 / (isSignal ? 80 : 60) % 2 == 0;
+
+        // The watcher has to see one hold end before the next begins.
+        for (const auto start = Clock::now(); isClick && microsecondsSince (start) < 20.0;)
+        {
+        }
+
+        if (! isClick)
+            setStateFromText (processor, texts[turn % 2]);
+        else if (isSignal)
+            processor.setSignalConnection (cell / kNumSignalDests, cell % kNumSignalDests, on);
+        else
+            processor.setModConnection (cell / kNumModDests, cell % kNumModDests, on);
+    }
 
     stop = true;
     watcher.join();
     std::sort (holds.begin(), holds.end());
-    state.SetLabel (state.range (0) == 0 ? "connectionLock" : "modLock");
+    state.SetLabel (isSignal ? "connectionLock" : "modLock");
 
     if (! holds.empty())
     {
@@ -177,4 +195,13 @@ BENCHMARK (saveFile)->Unit (benchmark::kMicrosecond);
 BENCHMARK (constructFirst)->Unit (benchmark::kMillisecond)->Iterations (20);
 BENCHMARK (constructLater)->Unit (benchmark::kMillisecond);
 BENCHMARK (prepareAgain)->Arg (0)->Arg (1)->ArgName ("otherRate")->Unit (benchmark::kMicrosecond);
-BENCHMARK (longestHold)->Arg (0)->Arg (1)->Unit (benchmark::kMicrosecond)->Iterations (5000);
+BENCHMARK_CAPTURE (longestHold, load, false)
+    ->Arg (0)
+    ->Arg (1)
+    ->Unit (benchmark::kMicrosecond)
+    ->Iterations (5000);
+BENCHMARK_CAPTURE (longestHold, click, true)
+    ->Arg (0)
+    ->Arg (1)
+    ->Unit (benchmark::kMicrosecond)
+    ->Iterations (20000);

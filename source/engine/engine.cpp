@@ -6,19 +6,6 @@
 #include <array>
 #include <cstdlib>
 
-static FilterMultimode* filterBehind (VelkorEngine& engine, int destination) noexcept
-{
-    switch (destination)
-    {
-    case destFilter1:
-        return &engine.filter1;
-    case destFilter2:
-        return &engine.filter2;
-    default:
-        return nullptr;
-    }
-}
-
 VelkorEngine::VelkorEngine()
 {
     delay_fad_init (delay1);
@@ -94,16 +81,37 @@ void engine_clear (VelkorEngine& engine) noexcept
     engine.block.lfoPhase2 = 0.0;
 }
 
+/** Takes over a matrix that was compiled beforehand. Caller holds connectionLock. */
+static void takeConnections (VelkorEngine& engine, const SignalMatrix& fresh) noexcept
+{
+    signal_matrix_take (engine.signal, fresh);
+
+    filter_multimode_connect (engine.filter1, signal_matrix_has_source (fresh, destFilter1));
+    filter_multimode_connect (engine.filter2, signal_matrix_has_source (fresh, destFilter2));
+}
+
 void engine_set_connection (VelkorEngine& engine, int source, int destination, bool on) noexcept
 {
-    const TickLock::ScopedLockType lock (engine.signal.connectionLock);
-    const MatrixEdit edit = signal_matrix_edit (engine.signal, source, destination, on);
+    SignalMatrix fresh;
 
-    if (edit == MatrixEdit::unchanged)
-        return;
+    for (;;)
+    {
+        std::uint32_t edits = 0;
 
-    if (auto* filter = filterBehind (engine, destination))
-        filter_multimode_connect (*filter, edit == MatrixEdit::connectionMade);
+        {
+            const TickLock::ScopedLockType lock (engine.signal.connectionLock);
+            signal_matrix_copy (fresh, engine.signal);
+            edits = engine.signal.edits;
+        }
+
+        if (! signal_matrix_edit (fresh, source, destination, on))
+            return;
+
+        const TickLock::ScopedLockType lock (engine.signal.connectionLock);
+
+        if (engine.signal.edits == edits)
+            return takeConnections (engine, fresh);
+    }
 }
 
 void engine_replace_connections (VelkorEngine& engine, std::span<const SignalPair> pairs) noexcept
@@ -113,9 +121,5 @@ void engine_replace_connections (VelkorEngine& engine, std::span<const SignalPai
     signal_matrix_fill (fresh, pairs);
 
     const TickLock::ScopedLockType lock (engine.signal.connectionLock);
-    signal_matrix_take (engine.signal, fresh);
-
-    for (const int destination : { destFilter1, destFilter2 })
-        filter_multimode_connect (*filterBehind (engine, destination),
-                                  signal_matrix_has_source (engine.signal, destination));
+    takeConnections (engine, fresh);
 }

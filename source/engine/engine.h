@@ -85,7 +85,9 @@ void engine_prepare (VelkorEngine& engine, double sampleRate) noexcept;
 void engine_clear (VelkorEngine& engine) noexcept;
 
 /** Makes or breaks a connection of the signal matrix, with its effect on a filter that gains or loses its
-    last source. Out of range does nothing. Takes connectionLock. Not on the audio thread. */
+    last source. Out of range does nothing. Takes connectionLock twice, to copy the list and to put the edited one in
+    its place; the plans are compiled between. If another thread has changed the list meanwhile, it does all of it
+    again. Not on the audio thread. */
 void engine_set_connection (VelkorEngine& engine, int source, int destination, bool on) noexcept;
 
 /** Makes the given connections, in their order, and no others; pairs out of range and repeated ones are left

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "engine/mod_router.h"
 
+#include <algorithm>
 #include <memory>
 #include <tuple>
 
@@ -33,16 +34,6 @@ void ModRouterCore::setGain (int source, int dest, float gain)
     auto route = std::make_unique<ModRoute> (ModRoute { source, dest, gain });
     routes.add (route.get());
     std::ignore = route.release();
-}
-
-void ModRouterCore::remove (int source, int dest)
-{
-    const juce::ScopedLock lock (growthLock);
-
-    if (const int i = indexOf (routes, source, dest); i >= 0)
-    {
-        const std::unique_ptr<ModRoute> route (routes.removeAndReturn (i));
-    }
 }
 
 void ModRouterCore::swapRoutes (ModRouterCore& other) noexcept
@@ -85,9 +76,31 @@ static std::size_t gridIndex (int source, int dest) noexcept
     return static_cast<std::size_t> (kNumModDests * source + dest);
 }
 
-static void compile (RoutingPlan& plan, const zb::ModRouterCore& router) noexcept
+namespace
 {
-    std::array<RoutingEntry, kNumModSources * kNumModDests> entries;
+
+constexpr std::size_t kMaxRoutes = std::size_t { kNumModSources } * kNumModDests;
+
+/** What is to take the place of a matrix's routes, worked out without its lock. */
+struct FreshRoutes
+{
+    explicit FreshRoutes (std::span<const ModPair> pairs);
+
+    zb::ModRouterCore router;
+    std::array<bool, kMaxRoutes> grid {};
+    RoutingPlan plan;
+};
+
+FreshRoutes::FreshRoutes (std::span<const ModPair> pairs)
+{
+    for (const auto& [source, dest] : pairs)
+        if (isInRange (source, dest))
+        {
+            grid[gridIndex (source, dest)] = true;
+            router.setGain (source, dest, 1.0f);
+        }
+
+    std::array<RoutingEntry, kMaxRoutes> entries;
     std::size_t count = 0;
 
     for (const auto* route : router.routes)
@@ -96,47 +109,85 @@ static void compile (RoutingPlan& plan, const zb::ModRouterCore& router) noexcep
     routing_plan_compile (plan, std::span (entries).first (count));
 }
 
+/** Leaves the old routes in fresh, to be deleted when modLock is free again. Caller holds modLock. */
+void takeRoutes (ModMatrix& matrix, FreshRoutes& fresh) noexcept
+{
+    matrix.router.swapRoutes (fresh.router);
+    routing_plan_copy (matrix.plan, fresh.plan);
+
+    for (std::size_t i = 0; i < fresh.grid.size(); ++i)
+        matrix.modGrid[i].store (fresh.grid[i], std::memory_order_relaxed);
+
+    ++matrix.edits;
+}
+
+/** A matrix's routes as a writer found them. */
+struct RouteList
+{
+    explicit RouteList (const ModMatrix& matrix) noexcept
+    {
+        const TickLock::ScopedLockType lock (matrix.modLock);
+        edits = matrix.edits;
+
+        for (const auto* route : matrix.router.routes)
+            pairs[count++] = { route->source, route->dest };
+    }
+
+    /** False if it is as asked already. */
+    bool set (ModPair wanted, bool on) noexcept
+    {
+        const auto end = pairs.begin() + count;
+        const auto found =
+            std::find_if (pairs.begin(), end,
+                          [wanted] (const ModPair& pair)
+                          { return pair.source == wanted.source && pair.dest == wanted.dest; });
+
+        if ((found != end) == on)
+            return false;
+
+        if (on)
+            pairs[count++] = wanted;
+        else
+        {
+            std::copy (found + 1, end, found);
+            --count;
+        }
+
+        return true;
+    }
+
+    std::array<ModPair, kMaxRoutes> pairs;
+    std::size_t count = 0;
+    std::uint32_t edits = 0;
+};
+
+}  // namespace
+
 void mod_router_set (ModMatrix& matrix, int source, int dest, bool on)
 {
-    const TickLock::ScopedLockType lock (matrix.modLock);
-
     if (! isInRange (source, dest))
         return;
 
-    matrix.modGrid[gridIndex (source, dest)].store (on, std::memory_order_relaxed);
+    for (;;)
+    {
+        RouteList list (matrix);
 
-    const int before = matrix.router.routes.size();
+        if (! list.set ({ source, dest }, on))
+            return;
 
-    if (on)
-        matrix.router.setGain (source, dest, 1.0f);
-    else
-        matrix.router.remove (source, dest);
+        FreshRoutes fresh (std::span (list.pairs).first (list.count));
+        const TickLock::ScopedLockType lock (matrix.modLock);
 
-    if (matrix.router.routes.size() != before)
-        compile (matrix.plan, matrix.router);
+        if (matrix.edits == list.edits)
+            return takeRoutes (matrix, fresh);
+    }
 }
 
 void mod_router_replace (ModMatrix& matrix, std::span<const ModPair> pairs)
 {
-    zb::ModRouterCore router;
-    std::array<bool, kNumModSources * kNumModDests> grid {};
-
-    for (const auto& [source, dest] : pairs)
-        if (isInRange (source, dest))
-        {
-            grid[gridIndex (source, dest)] = true;
-            router.setGain (source, dest, 1.0f);
-        }
-
-    RoutingPlan plan;
-    compile (plan, router);
-
+    FreshRoutes fresh (pairs);
     const TickLock::ScopedLockType lock (matrix.modLock);
-    matrix.router.swapRoutes (router);
-    routing_plan_copy (matrix.plan, plan);
-
-    for (std::size_t i = 0; i < grid.size(); ++i)
-        matrix.modGrid[i].store (grid[i], std::memory_order_relaxed);
+    takeRoutes (matrix, fresh);
 }
 
 bool mod_router_get (const ModMatrix& matrix, int source, int dest) noexcept

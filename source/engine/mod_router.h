@@ -69,9 +69,6 @@ struct ModRouterCore
         Allocates, so never on the audio thread. */
     void setGain (int source, int dest, float gain);
 
-    /** Removes and deletes the route from source to dest, if there is one. Caller holds modLock. */
-    void remove (int source, int dest);
-
     /** Exchanges all routes with another router's. Caller holds modLock. */
     void swapRoutes (ModRouterCore& other) noexcept;
 
@@ -92,14 +89,15 @@ struct ModMatrix
     /** The flag of source s and destination d at 10 s + d. Read without modLock; the audio thread never looks. */
     std::array<std::atomic<bool>, kNumModSources * kNumModDests> modGrid {};
 
-    RoutingPlan
-        plan;  ///< the routes as the audio thread runs them, compiled at every change of theirs
+    RoutingPlan plan;         ///< the routes as the audio thread runs them
+    std::uint32_t edits = 0;  ///< of the routes so far: tells a writer that another came between
 
     ModMatrix();
 };
 
-/** Makes or breaks the route from source to dest; out of range does nothing. Takes modLock. Not on the
-    audio thread. */
+/** Makes or breaks the route from source to dest; out of range does nothing. Takes modLock twice, to read the list and
+    to put the edited one in its place; routes are made and plans compiled between, and the old routes deleted after. If
+    another thread has changed the routes meanwhile, it does all of it again. Not on the audio thread. */
 void mod_router_set (ModMatrix& matrix, int source, int dest, bool on);
 
 /** A crosspoint of the modulation matrix, its numbers in range or not. */

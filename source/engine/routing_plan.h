@@ -23,7 +23,7 @@ struct DestLanes
     the list's to the bit: from one whose turn it is not +0 is taken away, which leaves every number what it is, a
     -0 that the flush of denormal numbers made too.
 
-    Whoever changes the list compiles it anew, under the same lock. */
+    Whoever changes the list compiles it anew, before the lock is taken, and copies plan and list under the lock. */
 struct RoutingPlan
 {
     struct Step
@@ -47,7 +47,7 @@ struct RoutingEntry
 };
 
 /** Compiles a list in time that goes with the number of steps, 12 µs for 80 entries in no order; allocates nothing.
-    Any thread; the caller holds the lock of the plan's matrix. */
+    Any thread, on a plan that no other thread knows. */
 void routing_plan_compile (RoutingPlan& plan, std::span<const RoutingEntry> list) noexcept;
 
 /** Copies what is in use of another plan. Any thread; the caller holds the lock of the plan's matrix. */

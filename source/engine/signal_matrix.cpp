@@ -34,35 +34,27 @@ bool signal_matrix_has_source (const SignalMatrix& matrix, int destination) noex
     return false;
 }
 
-static MatrixEdit editList (SignalMatrix& matrix, int source, int destination, bool on) noexcept
+static void editList (SignalMatrix& matrix, int source, int destination, bool on) noexcept
 {
     if (! isInRange (source, destination))
-        return MatrixEdit::unchanged;
+        return;
 
     matrix.connected[flagIndex (source, destination)].store (on, std::memory_order_relaxed);
     const std::int32_t found = findPair (matrix, source, destination);
 
-    if (on)
+    if (on && found < 0)
     {
-        if (found >= 0)
-            return MatrixEdit::unchanged;
-
         const auto end = static_cast<std::size_t> (matrix.connectionCount++);
         matrix.connSource[end] = source;
         matrix.connDest[end] = destination;
-        return MatrixEdit::connectionMade;
     }
-
-    if (found >= 0)
+    else if (! on && found >= 0)
     {
         const auto gap = static_cast<std::size_t> (found);
         const auto last = static_cast<std::size_t> (--matrix.connectionCount);
         matrix.connSource[gap] = matrix.connSource[last];
         matrix.connDest[gap] = matrix.connDest[last];
     }
-
-    return signal_matrix_has_source (matrix, destination) ? MatrixEdit::unchanged
-                                                          : MatrixEdit::lastConnectionGone;
 }
 
 static void compile (SignalMatrix& matrix) noexcept
@@ -77,15 +69,16 @@ static void compile (SignalMatrix& matrix) noexcept
     stage_plan_compile (matrix.stages, std::span (entries).first (count));
 }
 
-MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination, bool on) noexcept
+bool signal_matrix_edit (SignalMatrix& matrix, int source, int destination, bool on) noexcept
 {
     const std::int32_t before = matrix.connectionCount;
-    const MatrixEdit edit = editList (matrix, source, destination, on);
+    editList (matrix, source, destination, on);
 
-    if (matrix.connectionCount != before)
-        compile (matrix);
+    if (matrix.connectionCount == before)
+        return false;
 
-    return edit;
+    compile (matrix);
+    return true;
 }
 
 void signal_matrix_fill (SignalMatrix& matrix, std::span<const SignalPair> pairs) noexcept
@@ -96,17 +89,23 @@ void signal_matrix_fill (SignalMatrix& matrix, std::span<const SignalPair> pairs
     compile (matrix);
 }
 
-void signal_matrix_take (SignalMatrix& matrix, const SignalMatrix& other) noexcept
+void signal_matrix_copy (SignalMatrix& matrix, const SignalMatrix& other) noexcept
 {
     matrix.connSource = other.connSource;
     matrix.connDest = other.connDest;
     matrix.connectionCount = other.connectionCount;
-    routing_plan_copy (matrix.plan, other.plan);
-    matrix.stages = other.stages;
 
     for (std::size_t i = 0; i < matrix.connected.size(); ++i)
         matrix.connected[i].store (other.connected[i].load (std::memory_order_relaxed),
                                    std::memory_order_relaxed);
+}
+
+void signal_matrix_take (SignalMatrix& matrix, const SignalMatrix& other) noexcept
+{
+    signal_matrix_copy (matrix, other);
+    routing_plan_copy (matrix.plan, other.plan);
+    matrix.stages = other.stages;
+    ++matrix.edits;
 }
 
 bool signal_matrix_get (const SignalMatrix& matrix, int source, int destination) noexcept

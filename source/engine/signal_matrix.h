@@ -60,22 +60,20 @@ struct SignalMatrix
     /** The flag of source s and destination d at s + 8 d. */
     std::array<std::atomic<bool>, kMaxConnections> connected {};
 
-    RoutingPlan plan;  ///< the list as the audio thread runs it, compiled at every change of it
-    StagePlan stages;  ///< the same, for ticks that are run node by node
-};
-
-/** What an edit of the list did to its destination. */
-enum class MatrixEdit
-{
-    unchanged,
-    connectionMade,     ///< a pair was appended
-    lastConnectionGone  ///< a pair was removed and none is left that leads to its destination
+    RoutingPlan plan;         ///< the list as the audio thread runs it, compiled at every change
+    StagePlan stages;         ///< the same, for ticks that are run node by node
+    std::uint32_t edits = 0;  ///< of the list so far: tells a writer that another came between
 };
 
 /** Sets or clears a pair in flags and list; out of range does nothing. A removed pair's place is taken by
     the last one. The destination keeps the value that it had: a destination without connection goes on
-    feeding it, until the next prepareToPlay. Caller holds connectionLock. */
-MatrixEdit signal_matrix_edit (SignalMatrix& matrix, int source, int destination, bool on) noexcept;
+    feeding it, until the next prepareToPlay. Returns whether the list has changed, and compiles it then: so this is
+    for a matrix that no other thread knows (signal_matrix_copy, signal_matrix_take). */
+bool signal_matrix_edit (SignalMatrix& matrix, int source, int destination, bool on) noexcept;
+
+/** Copies another matrix's list and flags; its plans are left to signal_matrix_edit. Caller holds connectionLock of
+    other. */
+void signal_matrix_copy (SignalMatrix& matrix, const SignalMatrix& other) noexcept;
 
 /** A crosspoint of the signal matrix, its numbers in range or not. */
 struct SignalPair
@@ -92,7 +90,7 @@ void signal_matrix_fill (SignalMatrix& matrix, std::span<const SignalPair> pairs
     length and no more: the audio thread may be waiting. Caller holds connectionLock of matrix. */
 void signal_matrix_take (SignalMatrix& matrix, const SignalMatrix& other) noexcept;
 
-/** Whether a connection leads to destination. Caller holds connectionLock. */
+/** Whether a connection leads to destination. Caller holds connectionLock, unless no other thread knows this matrix. */
 bool signal_matrix_has_source (const SignalMatrix& matrix, int destination) noexcept;
 
 /** Whether source is connected to destination; false out of range. Any thread, lock-free. */

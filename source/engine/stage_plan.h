@@ -26,7 +26,7 @@ struct StagePlan
         begin {};  ///< where a destination's sources begin, and those of the last end
 };
 
-/** Compiles a list; allocates nothing. Any thread; the caller holds the matrix's lock. */
+/** Compiles a list; allocates nothing. Any thread, on a plan that no other thread knows. */
 void stage_plan_compile (StagePlan& plan, std::span<const RoutingEntry> list) noexcept;
 
 /** Sums the sources of a destination for a tick, one sample to a lane, in the order of the list. Without a source it

@@ -80,3 +80,29 @@ TEST (Engine, ARunawayAfterLongPlayingIsClearedAPieceAtATimeAndWithinASecond)
     EXPECT_TRUE (pair.canBePaired) << "and the quick ways are open again";
     setAudioSamplingRate (44100.0);
 }
+
+TEST (Engine, EditsFromTwoThreadsAtOnceAllStay)
+{
+    VelkorEngine engine;
+    engine_replace_connections (engine, {});
+    const auto edit = [&engine] (int parity)
+    {
+        for (int i = 0; i <= 400; ++i)  // every cell of its own on and off, and on in the end
+            for (int cell = parity; cell < kNumModSources * kNumModDests; cell += 2)
+            {
+                engine_set_connection (engine, cell / 10, cell % 10, i % 2 == 0);
+                mod_router_set (engine.modulation, cell / 10, cell % 10, i % 2 == 0);
+            }
+    };
+
+    std::thread other (edit, 1);
+    edit (0);
+    other.join();
+    EXPECT_EQ (engine.signal.connectionCount, 60);
+    EXPECT_EQ (engine.modulation.router.routes.size(), 60);
+
+    for (int cell = 0; cell < 60; ++cell)
+        EXPECT_TRUE (signal_matrix_get (engine.signal, cell / 10, cell % 10) &&
+                     mod_router_get (engine.modulation, cell / 10, cell % 10))
+            << cell;
+}
