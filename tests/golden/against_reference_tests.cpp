@@ -263,6 +263,27 @@ TEST (AgainstReference, LinesFullOfSoundThatRunAwayGiveItsBitsWhileTheyAreBeingC
     }
 }
 
+TEST (AgainstReference, ARateThatAnotherInstanceSetsReachesTheEnvelopeAndNotTheLfos)
+{
+    Noise noise (8);
+    Duel duel;
+    duel.prepare (44100.0);
+    duel.route (modSourceEnvelope, modDestLevel1, true);
+    duel.route (modSourceLfo1, modDestLevel2, true);
+    duel.route (modSourceLfo2, modDestPan2, true);
+    duel.set (EnvSensitivity, 0.1f);
+    duel.set (LFO2Sync, 1.0f);
+    duel.set (Level1Mod, Level2Mod, 0.7f);
+    duel.set (Pan2Mod, 0.7f);
+    duel.set (Delay1Time, Delay2Time, 2.0f);
+    duel.run (noise, 20, 256);
+
+    VelkorAudioProcessor other;
+    other.prepareToPlay (96000.0, 512);
+    duel.globals.setRate (96000.0);
+    EXPECT_GT (duel.run (noise, 20, 256), 0.1f);
+}
+
 TEST (AgainstReference, ALineWhoseDelayOutgrewItsBufferReadsAndWritesInsideIt)
 {
     Noise noise (7);

@@ -80,6 +80,22 @@ TEST (Processor, EachNodeOnThePathAddsOneSampleAndADelayItsLengthToo)
     EXPECT_NEAR (std::accumulate (echo.begin(), echo.end(), 0.0f), 1.0f, 1e-3f);
 }
 
+TEST (Processor, EchoesDieAwayThroughTheSmallestNumbersAsWithDenormalsFlushed)
+{
+    Bench bench;
+
+    for (int to : { destDelay1, destFeedback1, destOutput1 })
+        bench.connect (to == destDelay1 ? sourceInputL : sourceDelay1, to, true);
+
+    bench.set (Delay1Multiplier, 0.0f);
+    bench.set (Delay1Time, 2.0f);
+    bench.set (Delay1Feedback, 0.5f);
+    bench.impulse (512, 0);
+    bench.set (Kill, 1.0f);  // else the input's offset keeps the echoes up
+    bench.settle (60);
+    EXPECT_EQ (bench.impulse (512, 0)[511], 0.0f);
+}
+
 TEST (Processor, AcceptsStereoInWithStereoOrMonoOutAndNothingElse)
 {
     VelkorAudioProcessor processor;

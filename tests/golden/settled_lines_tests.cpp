@@ -123,6 +123,30 @@ TEST (AgainstReference, ReversedLinesAtHalvesAndQuartersOfASlotGiveItsBitsRoundA
         }
 }
 
+TEST (AgainstReference, HeadsSoFarOutThatSlowOnesStandStillGiveItsBits)
+{
+    Noise noise (6);
+    Duel duel;
+    duel.set (Delay1Time, Delay2Time, 1000.0f);  // synced, 1/1: eight of them are cut to 12 s
+    duel.set (Delay1Multiplier, Delay2Multiplier, 3.0f);
+    duel.set (Delay1Sync, Delay2Sync, 1.0f);
+    duel.playHead.tempo = 60.0;
+    duel.prepare (768000.0);
+    duel.run (noise, 1, 64);
+    duel.prepare (
+        768000.0);  // the write heads set out from 9.2 million: a float has no halves there
+    duel.playHead.tempo = 40000.0;  // 2 ms
+    duel.set (Delay1Reverse, 1.0f);
+
+    for (int i = 0; i < 20; ++i)
+    {
+        duel.set (Delay1Fine, Delay2Fine, 0.5f);
+        duel.run (noise, 1, 64);
+        duel.set (Delay1Fine, Delay2Fine, 1.0f);
+        duel.run (noise, 1, 512);
+    }
+}
+
 TEST (AgainstReference, WiringsDrawnAtRandomGiveItsBitsWhileTheLinesAreSettled)
 {
     Noise noise (2024);

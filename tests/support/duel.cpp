@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <bit>
 #include <gtest/gtest.h>
+#include <utility>
 
 juce::Optional<juce::AudioPlayHead::PositionInfo> FakePlayHead::getPosition() const
 {
@@ -79,7 +80,7 @@ void Duel::midi (std::uint8_t status, std::uint8_t data1, std::uint8_t data2)
 {
     const std::uint8_t bytes[] = { status, data1, data2 };
     events.addEvent (bytes, 3, eventPlace++);
-    engine->midi (status, data1, data2);
+    isMidiUsed |= engine->midi (status, data1, data2);
 }
 
 static std::optional<std::size_t> firstDifference (std::span<const float> a,
@@ -103,6 +104,7 @@ bool Duel::process (std::vector<float>& left, std::vector<float>& right, int cha
     product.processBlock (buffer, events);
     events.clear();
     eventPlace = 0;
+    EXPECT_EQ (product.midiActivity.exchange (false), std::exchange (isMidiUsed, false));
 
     float values[reference::kNumParams];
     readValues (product, values);

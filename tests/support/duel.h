@@ -84,6 +84,7 @@ public:
 private:
     juce::MidiBuffer events;
     int eventPlace = 0;
+    bool isMidiUsed = false;  ///< by the coming block
 };
 
 /** The store's value of each parameter, in the catalogue's order. */

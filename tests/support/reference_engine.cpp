@@ -218,14 +218,14 @@ void ReferenceEngine::route (int source, int dest, bool on)
 
 // MIDI
 
-void ReferenceEngine::midi (std::uint8_t b0, std::uint8_t b1, std::uint8_t b2)
+bool ReferenceEngine::midi (std::uint8_t b0, std::uint8_t b1, std::uint8_t b2)
 {
     const int status = b0 & 0xF0;
 
     if (status == 0x90 && b2 != 0)
     {
         if (b1 >= 0x80 || held[b1])
-            return;
+            return true;
 
         ++heldCount;
         held[b1] = true;
@@ -235,7 +235,7 @@ void ReferenceEngine::midi (std::uint8_t b0, std::uint8_t b1, std::uint8_t b2)
     else if (status == 0x80 || status == 0x90)
     {
         if (b1 >= 0x80 || ! held[b1])
-            return;
+            return true;
 
         held[b1] = false;
         const bool wasLast = heldCount <= 1;
@@ -251,5 +251,11 @@ void ReferenceEngine::midi (std::uint8_t b0, std::uint8_t b1, std::uint8_t b2)
     {
         modWheel = static_cast<float> (b2) / 127.0f;
     }
+    else
+    {
+        return false;
+    }
+
+    return true;
 }
 }  // namespace reference

@@ -130,8 +130,8 @@ struct ReferenceEngine
     /** Makes or breaks a route of the modulation matrix; out of range does nothing. */
     void route (int source, int dest, bool on);
 
-    /** One event of the block that is to come: call before process. */
-    void midi (std::uint8_t b0, std::uint8_t b1, std::uint8_t b2);
+    /** One event of the block that is to come: call before process. Whether it is of a kind that is taken up. */
+    bool midi (std::uint8_t b0, std::uint8_t b1, std::uint8_t b2);
 
     /** One block of n samples in place, n may be 0. The parameters stand in the order of the
         catalogue, in real units; ch1OrNull is null for a one-channel buffer. The caller flushes

@@ -15,6 +15,11 @@
 #include <utility>
 #include <vector>
 
+// Read before any test or instance sets a rate.
+static const std::array kRatesAtStart { gAudioSamplingRate.load(),
+                                        gAudioSamplingRateReciprocal.load(),
+                                        gSamplesPerMillisecond.load() };
+
 TEST (Engine, RefusesRatesThatNoBufferCouldBeMeasuredBy)
 {
     VelkorEngine engine;
@@ -32,6 +37,22 @@ TEST (Engine, RefusesRatesThatNoBufferCouldBeMeasuredBy)
     engine_prepare (engine, 1.0);
     EXPECT_EQ (engine.sampleRate, 1.0);
     setAudioSamplingRate (44100.0);
+}
+
+TEST (Engine, StartsAtTheRateAndWithTheCablesThatPresetsWithoutAnyRelyOn)
+{
+    EXPECT_EQ (kRatesAtStart, (std::array { 44100.0f, 1.0f / 44100.0f, 44.1f }));
+    const VelkorEngine engine;
+    const auto& signal = engine.signal;
+    ASSERT_EQ (signal.connectionCount, 6);
+    constexpr std::pair<int, int> kCables[] = { { 0, 0 }, { 1, 1 }, { 2, 2 },
+                                                { 3, 3 }, { 2, 8 }, { 3, 9 } };
+
+    for (std::size_t i = 0; i < 6; ++i)
+        EXPECT_EQ (std::pair (signal.connSource[i], signal.connDest[i]), kCables[i]) << i;
+
+    EXPECT_EQ (std::ranges::count_if (signal.connected, [] (const auto& c) { return c.load(); }),
+               6);
 }
 
 TEST (Engine, ARunawayAfterLongPlayingIsClearedAPieceAtATimeAndWithinASecond)
@@ -79,6 +100,43 @@ TEST (Engine, ARunawayAfterLongPlayingIsClearedAPieceAtATimeAndWithinASecond)
     delay_pair_take (pair, engine.delay1, engine.delay2);
     EXPECT_TRUE (pair.canBePaired) << "and the quick ways are open again";
     setAudioSamplingRate (44100.0);
+}
+
+TEST (Engine, EveryEditAndEveryBlockWaitsForTheLockOfWhatItTouches)
+{
+    VelkorEngine engine;
+    float left[4] {}, right[4] {};
+    const TickLock& signal = engine.signal.connectionLock;
+    const TickLock& modulation = engine.modulation.modLock;
+    const auto block = [&] { engine_dsp_block (engine, left, right, 4, Transport {}); };
+    const std::pair<const TickLock&, std::function<void()>> cases[] = {
+        { signal, block },
+        { modulation, block },
+        { signal, [&] { engine_set_connection (engine, 0, 5, true); } },
+        { signal, [&] { engine_replace_connections (engine, {}); } },
+        { modulation, [&] { mod_router_set (engine.modulation, 0, 5, true); } },
+        { modulation, [&] { mod_router_replace (engine.modulation, {}); } },
+    };
+
+    for (const auto& [lock, use] : cases)
+    {
+        SCOPED_TRACE (&lock == &signal ? "connectionLock" : "modLock");
+        std::atomic<bool> isDone { false };
+        lock.enter();
+        std::thread other (
+            [&isDone, &work = use]
+            {
+                work();
+                isDone = true;
+            });
+        // However slow the machine is, what waits isn't done.
+        std::this_thread::sleep_for (std::chrono::milliseconds (50));
+        EXPECT_FALSE (isDone);
+        lock.exit();
+        other.join();
+        EXPECT_TRUE (lock.tryEnter()) << "left behind";
+        lock.exit();
+    }
 }
 
 TEST (Engine, EditsFromTwoThreadsAtOnceAllStay)
