@@ -82,12 +82,13 @@ static ParametersById parametersOf (const juce::AudioProcessorValueTreeState& st
     return result;
 }
 
-/** What a document may bring that the store does not know: far more than anybody has reason to, and so little
-    that a session of it stays a small part of what a document may be. */
+/** What a document may bring that the store does not know: as much as two thousand parameters of a later version,
+    which has reason for a tenth of them, and so little that a session of it stays a small part of what a document
+    may be. */
 struct Allowance
 {
-    int names = 1024;        ///< elements and attributes
-    int characters = 65536;  ///< of those names and of values
+    int names = 8192;        ///< elements and attributes
+    int characters = 98304;  ///< of those names and of values
 
     /** Takes so much off; false, with nothing taken, if less is left. */
     bool take (int numNames, int numCharacters) noexcept

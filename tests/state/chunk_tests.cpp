@@ -82,6 +82,7 @@ TEST_F (Chunk, OfAnyDocumentThatLoadsIsTakenByAnotherInstance)
         documentWithParams (times ("<x a=\"1\"><y/>", 60) + times ("</x>", 60) +
                             times ("<x/>", 65000)),
         documentWithParams (times ("<x b=\"" + times ("&quot;", 8000) + "\"/>", 80)),
+        documentWithParams (times ("<x b=\"" + times ("&#x10ffff;", 8000) + "\"/>", 40)),
         "<VelkorSettings PresetName=\"Loaded\"><Parameters b=\"" +
             times ("&#x10ffff;", kMaxAttributeCharacters) + "\"" + attributes +
             "/></VelkorSettings>",
@@ -99,6 +100,7 @@ TEST_F (Chunk, OfAnyDocumentThatLoadsIsTakenByAnotherInstance)
 
         VelkorAudioProcessor other;
         restore (other, chunk);
+        EXPECT_NE (parseDocument (textOf (processor)), nullptr);
         EXPECT_EQ (textOf (other), textOf (processor));  // the name in it, too
     }
 }

@@ -198,6 +198,18 @@ TEST_F (PresetReader, KeepsWhatItDoesNotKnowAndOfEqualIdsTheLast)
         << textOf (processor);
 }
 
+TEST_F (PresetReader, KeepsAsManyUnknownParametersAsALaterVersionMayHave)
+{
+    constexpr int kLater = 2000;
+    juce::String params;
+
+    for (int i = 0; i < kLater; ++i)
+        params << "    <PARAM id=\"Later Parameter " << i << "\" value=\"0.863269\"/>\r\n";
+
+    load (documentWithParams (params));
+    EXPECT_TRUE (textOf (processor).contains (params));
+}
+
 TEST_F (PresetReader, ClearsTheUndoHistoryAndTellsTheHostWhatChanged)
 {
     processor.undoManager.beginNewTransaction();
