@@ -78,8 +78,10 @@ set(PLUGIN_SOURCES
     source/processor/zb_AudioProcessor.cpp
     source/state/document_guard.cpp
     source/state/document_scanner.cpp
+    source/state/file_transfer.cpp
     source/state/first_run_install.cpp
     source/state/folder_listing.cpp
+    source/state/folder_lock.cpp
     source/state/global_settings.cpp
     source/state/name_cache.cpp
     source/state/parameter_state.cpp

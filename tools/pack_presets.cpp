@@ -53,7 +53,8 @@ int main (int argc, char** argv)
     juce::MemoryOutputStream bytes;
 
     if (! archive.writeToStream (bytes, nullptr) ||
-        ! target.replaceWithData (bytes.getData(), bytes.getDataSize()))
+        ! target.replaceWithData (bytes.getData(), bytes.getDataSize()) ||
+        target.getSize() != static_cast<juce::int64> (bytes.getDataSize()))  // a full disk
     {
         std::cerr << "cannot pack " << root.getFullPathName() << '\n';
         return 1;

@@ -141,7 +141,7 @@ void zb_PresetManagerColumn::itemDropped (const SourceDetails& source)
 
     // Where the system refuses to move an empty folder into itself, the framework would go on to copy it.
     if (target != file && ! target.isAChildOf (file))
-        file.moveFileTo (moved);
+        browser.moveOnDisk (file, moved);
 
     browser.folderChanged (openFolders);  // deletes this column
 }

@@ -68,8 +68,13 @@ public:
     void saveFavorites();
     bool isFavorite (const juce::String& fullPath) const;
 
-    /** Adds a file to the favourites or removes it, and saves them. The tree stays as it is. */
+    /** Adds a file to the favourites on disk or removes it. The tree stays as it is. Changes nothing if there is a file
+        of favourites that can't be read. */
     void toggleFavorite (const juce::String& fullPath);
+
+    /** Moves a file or a folder to a name that is free, and its favourites with it; false if nothing was moved. The
+        tree stays as it is. */
+    bool moveOnDisk (const juce::File& source, const juce::File& target);
 
     /** The first of presetFiles with this file name; 0 if there is none. */
     int findPresetIndex (const juce::String& fileName) const;

@@ -2,18 +2,37 @@
 #include "browser/favorites_file.h"
 #include "browser/preset_listing.h"
 #include "browser/zb_PresetManager.h"
+#include "state/file_transfer.h"
 #include "state/folder_listing.h"
+#include "state/folder_lock.h"
+
+// Other instances and processes star and move presets too, so a change begins with reading the file again.
+
+/** Drops the paths that name no file; whether there were any. */
+static bool dropMissing (juce::StringArray& paths, const juce::File& presetFolder)
+{
+    juce::StringArray there;
+
+    for (const auto& path : paths)
+        if (childOf (presetFolder, path).existsAsFile())
+            there.add (path);
+
+    const bool dropped = there.size() != paths.size();
+    paths.swapWith (there);
+    return dropped;
+}
 
 void zb_PresetManager::loadFavorites()
 {
-    const auto stored = readFavoritesFile (favoritesFile);
-    favorites.clear();
+    favorites = readFavoritesFile (favoritesFile);
 
-    for (const auto& path : stored)
-        if (childOf (presetFolder, path).existsAsFile())
-            favorites.add (path);
+    if (! dropMissing (favorites, presetFolder))
+        return;
 
-    if (favorites.size() != stored.size())
+    const FolderLock lock (presetFolder);
+    favorites = readFavoritesFile (favoritesFile);
+
+    if (dropMissing (favorites, presetFolder))
         saveFavorites();
 }
 
@@ -31,6 +50,14 @@ bool zb_PresetManager::isFavorite (const juce::String& fullPath) const
 void zb_PresetManager::toggleFavorite (const juce::String& fullPath)
 {
     const auto path = relativePresetPath (juce::File (fullPath), presetFolder);
+    const FolderLock lock (presetFolder);
+
+    juce::StringArray stored;
+
+    if (! readFavoritesToChange (favoritesFile, stored))
+        return;
+
+    favorites = stored;
 
     if (favorites.contains (path))
         favorites.removeString (path);
@@ -38,6 +65,35 @@ void zb_PresetManager::toggleFavorite (const juce::String& fullPath)
         favorites.add (path);
 
     saveFavorites();
+}
+
+bool zb_PresetManager::moveOnDisk (const juce::File& source, const juce::File& target)
+{
+    const auto oldPath = relativePresetPath (source, presetFolder);
+    const auto newPath = relativePresetPath (target, presetFolder);
+
+    // Before the lock goes, nobody may take the stars of the old paths for those of files that have gone.
+    const FolderLock lock (presetFolder);
+
+    if (! moveToNewName (source, target))
+        return false;
+
+    bool starred = false;
+    favorites = readFavoritesFile (favoritesFile);
+
+    for (auto& path : favorites)
+    {
+        if (path != oldPath && ! path.startsWith (oldPath + "/"))
+            continue;
+
+        path = newPath + path.substring (oldPath.length());
+        starred = true;
+    }
+
+    if (starred)
+        saveFavorites();
+
+    return true;
 }
 
 juce::ValueTree zb_PresetManager::makeFavoritesNode()

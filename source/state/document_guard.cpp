@@ -19,8 +19,8 @@ static std::unique_ptr<juce::XmlElement> parseText (const juce::String& text,
     return juce::parseXML (text);
 }
 
-static std::unique_ptr<juce::XmlElement> parseBytes (const juce::MemoryBlock& bytes,
-                                                     const DocumentLimits& limits)
+std::unique_ptr<juce::XmlElement> parseDocument (const juce::MemoryBlock& bytes,
+                                                 const DocumentLimits& limits)
 {
     if (bytes.getSize() > limits.bytes)
         return nullptr;
@@ -35,16 +35,11 @@ std::unique_ptr<juce::XmlElement> parseDocument (const juce::String& text)
     return parseText (text, {});
 }
 
-std::unique_ptr<juce::XmlElement> parseDocument (const juce::MemoryBlock& bytes)
-{
-    return parseBytes (bytes, {});
-}
-
 std::unique_ptr<juce::XmlElement> parseDocument (const juce::File& file,
                                                  const DocumentLimits& limits)
 {
     juce::MemoryBlock bytes;
-    return readRegularFile (file, limits.bytes, bytes) ? parseBytes (bytes, limits) : nullptr;
+    return readRegularFile (file, limits.bytes, bytes) ? parseDocument (bytes, limits) : nullptr;
 }
 
 bool hasTag (const juce::XmlElement& element, juce::StringRef name)

@@ -40,7 +40,8 @@ std::unique_ptr<juce::XmlElement> parseDocument (const juce::String& text);
 
 /** Parses bytes: UTF-8, UTF-16 with its byte order mark, or else a Western 8-bit encoding. A zero byte
     ends them. */
-std::unique_ptr<juce::XmlElement> parseDocument (const juce::MemoryBlock& bytes);
+std::unique_ptr<juce::XmlElement> parseDocument (const juce::MemoryBlock& bytes,
+                                                 const DocumentLimits& limits = {});
 
 /** Parses a regular file; anything else, such as a pipe, isn't opened. A file that grows with what the user has,
     and that nobody trades, may be given limits of its own. */

@@ -145,11 +145,11 @@ void installFirstRunContent (const juce::File& presetFolder, const void* archive
     const auto freshUser = staging.getSiblingFile (staging.getFileName() + "-" + kUserFolder);
     const bool isComplete =
         unpackAll (zip, staging) && moveAllButUser (staging, presetFolder, freshUser);
-    staging.deleteRecursively();
+    deleteFolder (staging);
 
     // Where another process was first, its folder isn't empty and the move fails: both hold the same.
     if (! isComplete || ! moveOver (freshUser, presetFolder.getChildFile (kUserFolder)))
-        freshUser.deleteRecursively();
+        deleteFolder (freshUser);
 }
 
 std::unique_ptr<juce::XmlElement> readDefaultPreset (const juce::File& presetFolder)

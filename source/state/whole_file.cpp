@@ -67,13 +67,18 @@ bool moveOver (const juce::File& source, const juce::File& target)
     return ! failure;
 }
 
+juce::File hiddenSibling (const juce::File& file)
+{
+    return file.getSiblingFile ("." + uniqueWord() + ".tmp");
+}
+
 bool replaceWithDocument (const juce::File& target, const juce::XmlElement& document,
                           Durable durable)
 {
     juce::MemoryOutputStream text (8192);
     document.writeTo (text, {});
 
-    const auto fresh = target.getSiblingFile ("." + uniqueWord() + ".tmp");
+    const auto fresh = hiddenSibling (target);
 
     if (writeNewFile (fresh, text.getData(), text.getDataSize(), durable) &&
         moveOver (fresh, target))

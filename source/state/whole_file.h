@@ -31,6 +31,10 @@ bool writeNewFile (const juce::File& file, const void* data, std::size_t numByte
     thread. */
 bool moveOver (const juce::File& source, const juce::File& target);
 
+/** A hidden name beside a file that nobody else makes, for what is to be renamed once it is complete. Any
+    thread. */
+juce::File hiddenSibling (const juce::File& file);
+
 /** Puts a document in the place of a file, through a hidden file beside it: on failure, which is the result
     false, the old file stays as it was. The text is that of XmlElement::writeTo with the default format. Any
     thread. */

@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "browser/browser_fixture.h"
 
+#include <algorithm>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
 class BrowserFavorites : public BrowserTest
 {
 protected:
@@ -17,6 +23,12 @@ protected:
     }
 
     juce::File file() const { return lib ("favorites.xml"); }
+
+    /** Number of favourites on disk. */
+    int stored() const
+    {
+        return juce::StringArray::fromTokens (file().loadFileAsString(), "<", {}).size() - 4;
+    }
 };
 
 TEST_F (BrowserFavorites, AreKeptInTheOrderOfToggling)
@@ -36,6 +48,7 @@ TEST_F (BrowserFavorites, AreKeptInTheOrderOfToggling)
 
     // A doubled entry goes as one.
     browser().favorites.add ("two.zbpreset");
+    browser().saveFavorites();
     toggle ("two.zbpreset");
     EXPECT_EQ (browser().favorites, juce::StringArray ({ "a/one.zbpreset" }));
 }
@@ -81,4 +94,73 @@ TEST_F (BrowserFavorites, ForgetWhatIsGoneOnDiskToo)
     }
 
     EXPECT_TRUE (browser().favorites.isEmpty());
+}
+
+TEST_F (BrowserFavorites, OfSeveralInstancesAndProcessesAreAllKept)
+{
+    zb_PresetManager other (processor, folder, nullptr, nullptr);
+    toggle ("two.zbpreset");
+    other.toggleFavorite (lib ("a/one.zbpreset").getFullPathName());
+    EXPECT_EQ (stored(), 2);
+    toggle ("a/one.zbpreset");  // which the other has starred
+    EXPECT_EQ (browser().favorites, juce::StringArray ({ "two.zbpreset" }));
+
+    constexpr int kStars = 200;
+    const auto child = fork();
+    ASSERT_GE (child, 0);
+
+    for (int i = 0; i < kStars; ++i)
+        toggle ((child == 0 ? "child" : "parent") + juce::String (i));
+
+    if (child == 0)
+        _exit (0);
+
+    waitpid (child, nullptr, 0);
+    EXPECT_EQ (stored(), 1 + 2 * kStars);
+}
+
+TEST_F (BrowserFavorites, MayBeAnyNumber)
+{
+    constexpr int kMany = 40000;
+    std::string text = "<Favorites version=\"1.0\">";
+
+    for (int i = 0; i < kMany; ++i)
+        text += "<Favorite path=\"" + std::to_string (i) + "\"/>";
+
+    putFile (file(), text + "</Favorites>");
+    toggle ("two.zbpreset");
+    EXPECT_EQ (stored(), kMany + 1);
+    toggle ("two.zbpreset");
+    EXPECT_EQ (stored(), kMany);
+}
+
+TEST_F (BrowserFavorites, OfAFileThatCannotBeReadAreNotLostToAStar)
+{
+    // What is damaged goes aside, again and again; an empty file holds nothing.
+    const std::string torn = "<Favorites><Favorite path=\"a/one.zbpreset\"/> torn";
+
+    for (const auto& bytes : { torn, torn + " again", std::string ("<Other/>"), std::string() })
+    {
+        putFile (file(), bytes);
+        toggle ("two.zbpreset");
+        EXPECT_EQ (stored(), 1) << bytes;
+    }
+
+    std::vector<std::string> aside;
+
+    for (const auto& other : lib().findChildFiles (juce::File::findFiles, false, "favorites*"))
+        if (other != file())
+            aside.push_back (bytesOf (other));
+
+    std::sort (aside.begin(), aside.end());
+    EXPECT_EQ (aside, (std::vector<std::string> { torn, torn + " again", "<Other/>" }));
+
+    // A file beyond all measure, and one that is no regular file, stay as they are.
+    ASSERT_EQ (truncate (file().getFullPathName().toRawUTF8(), 100 << 20), 0);
+    toggle ("two.zbpreset");
+    EXPECT_EQ (file().getSize(), 100 << 20);
+    ASSERT_TRUE (file().deleteFile() && file().createDirectory());
+    toggle ("two.zbpreset");
+    EXPECT_EQ (browser().favorites.size(), 1);  // as after the last star that could be written
+    EXPECT_TRUE (file().isDirectory());
 }

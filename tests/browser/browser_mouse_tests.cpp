@@ -1,5 +1,10 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "browser/browser_window_fixture.h"
+#include "browser/disk_limits.h"
+
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
 
 class BrowserWindowMouse : public BrowserWindow
 {
@@ -103,6 +108,80 @@ TEST_F (BrowserWindowMouse, ADragMovesAFile)
     drag (onRow (0, "B"), onRow (0, "C"));
     EXPECT_TRUE (lib ("C/B/three.zbpreset").existsAsFile());
     pump (300);  // the dragged picture fades
+}
+
+TEST_F (BrowserWindowMouse, ADragOntoAnotherDeviceMovesAllOrNothing)
+{
+    const OtherDevice other;
+    ASSERT_TRUE (other.isOtherThan (lib()));
+    ASSERT_TRUE (other.folder.createSymbolicLink (lib ("D"), false));
+    putFile (lib ("A/Sub/.hidden"), std::string (9000, 'h'));
+    putPreset ("A/Sub/Deep/deep.zbpreset", "Deep", 44.0f);
+    ASSERT_EQ (symlink ("nowhere", lib ("A/Sub/link").getFullPathName().toRawUTF8()), 0);
+    const auto written = juce::Time (2020, 0, 1, 0, 0);
+    ASSERT_TRUE (lib ("A/one.zbpreset").setLastModificationTime (written));
+    show();
+    click (onRow (0, "A"));
+    const auto one = bytesOf (lib ("A/one.zbpreset"));
+    const auto before = contents (lib ("A"));
+
+    for (const auto* name : { "One", "Sub" })
+    {
+        const FileSizeLimit full (100);
+        drag (onRow (1, name), onRow (0, "D"));
+        EXPECT_EQ (contents (lib ("A")), before) << name;
+        EXPECT_EQ (contents (other.folder), "") << name;
+    }
+
+    // A pipe can't be copied, so the folder stays, whole.
+    ASSERT_EQ (mkfifo (lib ("A/Sub/pipe").getFullPathName().toRawUTF8(), 0600), 0);
+    drag (onRow (1, "Sub"), onRow (0, "D"));
+    EXPECT_EQ (contents (other.folder), "");
+    ASSERT_TRUE (lib ("A/Sub/pipe").deleteFile());
+    const auto folderBefore = contents (lib ("A/Sub"));
+    putStrangeNames ("A/Sub/Deep");
+
+    for (const auto* name : { "One", "Sub" })
+        drag (onRow (1, name), onRow (0, "D"));
+
+    EXPECT_EQ (contents (lib ("A")), "two.zbpreset=" + lib ("A/two.zbpreset").loadFileAsString());
+    EXPECT_EQ (bytesOf (other.folder.getChildFile ("one.zbpreset")), one);
+    EXPECT_EQ (other.folder.getChildFile ("one.zbpreset").getLastModificationTime(), written);
+    int moved = 0;
+
+    for (const auto& entry : std::filesystem::directory_iterator (
+             other.folder.getChildFile ("Sub/Deep").getFullPathName().toStdString()))
+    {
+        ++moved;
+
+        if (entry.path().filename() != "deep.zbpreset")
+            std::filesystem::remove (entry);
+    }
+
+    EXPECT_EQ (moved, 4);
+    EXPECT_EQ (contents (other.folder.getChildFile ("Sub")), folderBefore);
+    EXPECT_TRUE (other.folder.getChildFile ("Sub/link").isSymbolicLink());
+    pump (400);  // until the last picture has faded
+}
+
+TEST_F (BrowserWindowMouse, ADragTakesTheStarsAlong)
+{
+    putPreset ("A/Sub/Deep.zbpreset", "Deep");
+    putPreset ("A/Submarine.zbpreset", "Submarine");
+    show();
+
+    for (const auto* path :
+         { "A/Sub/Deep.zbpreset", "zero.zbpreset", "A/Submarine.zbpreset", "A/one.zbpreset" })
+        browser().toggleFavorite (lib (path).getFullPathName());
+
+    browser().rebuildAndReopen ({ "A" });
+    drag (onRow (1, "One"), onRow (0, "B"));
+    drag (onRow (1, "Sub"), onRow (0, "C"));
+    EXPECT_TRUE (lib ("C/Sub/Deep.zbpreset").existsAsFile());
+    open();
+    EXPECT_EQ (browser().favorites.joinIntoString ("|"),
+               "C/Sub/Deep.zbpreset|zero.zbpreset|A/Submarine.zbpreset|B/one.zbpreset");
+    pump (400);  // until the last picture has faded
 }
 
 TEST_F (BrowserWindowMouse, ADragThatMovesNothingChangesNothing)

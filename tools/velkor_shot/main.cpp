@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
+#include "state/whole_file.h"
 #include "ui/VelkorAudioProcessorEditor.h"
 #include "velkor_render/failure.h"
 #include "velkor_render/private_home.h"
@@ -97,15 +98,16 @@ void writePng (const juce::Image& image, const std::string& path)
 {
     const auto file = juce::File::getCurrentWorkingDirectory().getChildFile (
         juce::String::fromUTF8 (path.c_str()));
-    juce::TemporaryFile temporary (file);
-    auto written = false;
+    const auto fresh = hiddenSibling (file);
+    juce::MemoryOutputStream png;
 
-    if (auto stream = temporary.getFile().createOutputStream())
-        written = juce::PNGImageFormat().writeImageToStream (image, *stream) &&
-                  stream->getStatus().wasOk();
-
-    if (! written || ! temporary.overwriteTargetFileWithTemporary())
+    if (! juce::PNGImageFormat().writeImageToStream (image, png) ||
+        ! writeNewFile (fresh, png.getData(), png.getDataSize(), Durable::no) ||
+        ! moveOver (fresh, file))
+    {
+        fresh.deleteFile();
         fail (path + ": can't be written");
+    }
 }
 
 int shoot (const ShotOptions& options)
