@@ -88,6 +88,7 @@ set(PLUGIN_SOURCES
     source/state/preset_document.cpp
     source/state/state_carriers.cpp
     source/state/stored_parameters.cpp
+    source/state/unseen_presets.cpp
     source/state/utf8.cpp
     source/state/whole_file.cpp
     source/ui/AboutView.cpp

@@ -2,14 +2,23 @@
 #include "browser/archive_export.h"
 
 #include "browser/preset_listing.h"
+#include "state/file_transfer.h"
 #include "state/folder_listing.h"
 #include "state/whole_file.h"
 
 #include <filesystem>
 #include <memory>
 #include <system_error>
+#include <vector>
 
 static constexpr int kCompressionLevel = 9;
+
+/** What the format's own fields can count: entries, and bytes. */
+static constexpr std::size_t kMaxZipEntries = 0xffff;
+static constexpr juce::int64 kMaxZipBytes = 0xffffffff;
+
+/** Longest name of a file that file systems take, bytes of UTF-8. */
+static constexpr std::size_t kMaxNameBytes = 255;
 
 static void addTo (juce::ZipFile::Builder& builder, const juce::File& file, bool isFolder,
                    const juce::String& path)
@@ -27,16 +36,48 @@ static void addTo (juce::ZipFile::Builder& builder, const juce::File& file, bool
                           file.getLastModificationTime());
 }
 
+/** Hands on what is written and remembers a write that came up short, which the builder doesn't look at. */
+class WatchedStream : public juce::OutputStream
+{
+public:
+    explicit WatchedStream (juce::OutputStream& target) : out (target) {}
+
+    void flush() override { out.flush(); }
+    bool setPosition (juce::int64 position) override { return out.setPosition (position); }
+    juce::int64 getPosition() override { return out.getPosition(); }
+
+    bool write (const void* data, std::size_t numBytes) override
+    {
+        isComplete = out.write (data, numBytes) && isComplete;
+        return isComplete;
+    }
+
+    bool isComplete = true;
+
+private:
+    juce::OutputStream& out;
+};
+
 /** Writes an archive to a new file; false, with that file left behind, if it doesn't get there whole. */
 static bool writeArchive (const juce::ZipFile::Builder& builder, const juce::File& fresh)
 {
-    juce::FileOutputStream out (fresh);
+    juce::int64 written = 0;
 
-    if (! out.openedOk() || ! builder.writeToStream (out, nullptr))
-        return false;
+    {
+        juce::FileOutputStream out (fresh);
+        WatchedStream watched (out);
 
-    out.flush();  // a last write that comes up short shows only here
-    return out.getStatus().wasOk();
+        if (! out.openedOk() || ! builder.writeToStream (watched, nullptr))
+            return false;
+
+        out.flush();
+        written = out.getPosition();
+
+        if (! watched.isComplete || out.getStatus().failed() || written > kMaxZipBytes)
+            return false;
+    }
+
+    return fresh.getSize() == written;  // a last write that comes up short shows only here
 }
 
 /** Makes a folder that is nobody else's business; empty if it can't be made. */
@@ -76,13 +117,49 @@ static juce::File giveName (const juce::File& fresh, const juce::String& name)
     return {};
 }
 
+/** The name of a folder's archive. Of a folder's name that leaves no room for the extension, the end goes. */
+static juce::String archiveNameOf (const juce::File& folder)
+{
+    const juce::String extension (".zip");
+    auto name = folder.getFileName();
+
+    while (name.getNumBytesAsUTF8() + extension.getNumBytesAsUTF8() > kMaxNameBytes)
+        name = name.dropLastCharacters (1);
+
+    return name + extension;
+}
+
+/** Adds entries under their paths below folder. */
+static void addTo (juce::ZipFile::Builder& builder, const std::vector<FolderEntry>& entries,
+                   const juce::File& folder)
+{
+    bool hasSlash = false;
+    bool hasBackslash = false;
+
+    for (const auto& [file, isFolder] : entries)
+    {
+        const auto path = relativePresetPath (file, folder);
+        addTo (builder, file, isFolder, path);
+        hasSlash = hasSlash || isFolder;
+        hasBackslash = hasBackslash || path.containsChar ('\\');
+    }
+
+    // Without any "/", a reader may take "\" in names for what separates them.
+    if (hasBackslash && ! hasSlash)
+        addTo (builder, folder, true, ".");
+}
+
 juce::File exportFolder (const juce::File& folder)
 {
     juce::ZipFile::Builder builder;
 
     // Not the framework's listing, which goes forty levels down a link that leads back up.
-    for (const auto& [file, isFolder] : listEntriesBelow (folder))
-        addTo (builder, file, isFolder, relativePresetPath (file, folder));
+    const auto entries = listEntriesBelow (folder);
+
+    if (entries.size() >= kMaxZipEntries)
+        return {};
+
+    addTo (builder, entries, folder);
 
     // Not into the archive itself: others may have put a link of that name into a folder that all share.
     const auto fresh = juce::File::getSpecialLocation (juce::File::tempDirectory)
@@ -90,7 +167,7 @@ juce::File exportFolder (const juce::File& folder)
     juce::File archive;
 
     if (writeArchive (builder, fresh))
-        archive = giveName (fresh, folder.getFileName() + ".zip");
+        archive = giveName (fresh, archiveNameOf (folder));
 
     if (archive == juce::File())
         fresh.deleteFile();
@@ -108,9 +185,9 @@ bool copyInto (const juce::File& file, const juce::File& folder)
     if (! isRegularFile (file) || ! folder.isDirectory())
         return false;
 
-    const auto fresh = target.getSiblingFile ("." + uniqueWord() + ".tmp");
+    const auto fresh = hiddenSibling (target);
 
-    if (file.copyFileTo (fresh) && fresh.getSize() == file.getSize() && moveOver (fresh, target))
+    if (copyToNewFile (file, fresh) && moveOver (fresh, target))
         return true;
 
     fresh.deleteFile();

@@ -4,7 +4,7 @@
 #include <juce_core/juce_core.h>
 
 /** Packs all files and folders below folder, hidden ones included, into an archive in the system's temporary
-    folder, named after the folder, and returns it; in a folder of its own there where another user has one of
+    folder, named after the folder as far as a file's name goes, and returns it; in a folder of its own there where another user has one of
     that name. Empty if it could not be written. Links go in as what they lead to; pipes, devices and names that are
     no UTF-8 stay out. Any thread. */
 juce::File exportFolder (const juce::File& folder);

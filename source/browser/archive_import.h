@@ -13,8 +13,10 @@ inline constexpr juce::int64 kSmallContents = 64 << 20;
 /** ...those of others this many times the archive's size. Presets pack to a tenth, at most. */
 inline constexpr juce::int64 kMaxExpansion = 100;
 
-/** What unpacking leaves free on the disk, bytes. */
-inline constexpr juce::int64 kSpareBytes = 64 << 20;
+/** What the disk has to have free beside the files' own blocks: blocks, for folders and a file that is about to
+    replace another, and bytes for each file's name and the like. */
+inline constexpr juce::int64 kSpareBlocks = 16;
+inline constexpr juce::int64 kBytesPerName = 512;
 
 /** The largest archive that is opened: its list of entries is read into memory whole, bytes. */
 inline constexpr juce::int64 kMaxArchiveBytes = juce::int64 (2) << 30;
@@ -27,7 +29,8 @@ inline constexpr std::size_t kMaxNameBytes = 255;
 
 /** Unpacks the files of a ZIP archive below folder and overwrites what is there, each file whole or not at
     all. Leaves out what would lie outside the folder or behind a link in it, links, paths beyond the limits
-    above, and files that are not as long as the archive says. A name that is no UTF-8 is read as one in the
+    above, what the browser passes over (hidden names, "__MACOSX"), and files that are not as long as the archive
+    says. A name that is no UTF-8 is read as one in the
     Western 8-bit encoding. Unpacks nothing if the archive is no ZIP or its contents are beyond the limits or
     the room on the disk. Calls goOn, if there is one, before each entry, and ends there once that returns false.
     Returns the number of files written. Any thread. */

@@ -2,6 +2,7 @@
 #include "browser/preset_listing.h"
 #include "browser/zb_PresetManager.h"
 #include "processor/zb_AudioProcessor.h"
+#include "state/unseen_presets.h"
 
 // The tree, the flat list and the names: what the browser knows of the disk.
 
@@ -30,6 +31,9 @@ void zb_PresetManager::makeNewTree()
     // A failed test leaves the names of this session as they are, those of files that have gone included.
     const bool cacheIsCurrent = readCurrentNameCache (presetFolder, presetCache);
     createFolderTree (presetFolder, rootTree, kTreeDepth);
+
+    if (! cacheIsCurrent)
+        addUnseenPresets (presetFolder, kTreeDepth + 1, presetCache);
 
     if (! cacheIsCurrent && ! presetCache.empty())
         writeNameCache (presetFolder, processor.getName(), presetCache);

@@ -2,10 +2,13 @@
 #include "browser/archive_bench.h"
 #include "browser/archive_export.h"
 #include "browser/archive_import.h"
+#include "browser/browser_fixture.h"
 #include "browser/browser_window_fixture.h"
+#include "browser/disk_limits.h"
 
 #include <algorithm>
 #include <cstring>
+#include <random>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -56,8 +59,8 @@ TEST_F (BrowserArchives, NeverWriteOutsideTheirFolder)
                                 { "back\\y.zbpreset", "y" },
                                 { "empty/", "" } });
     EXPECT_EQ (unpackArchive (archive, homeFile ("out")), 3);
-    EXPECT_EQ (contents (homeFile ("out")),
-               "back/ back/y.zbpreset=y empty/ f=a file l/ l/evil=evil");
+    EXPECT_EQ (contents (homeFile ("out")), "back\\y.zbpreset=y empty/ f=a file l/ l/evil=evil");
+    EXPECT_EQ (unpack ({ { "a\\..\\..\\evil", "evil" }, { "a\\..\\..\\planted", "" } }), 0);
 
     for (const auto* name : { "evil", "planted", "out-of" })
         EXPECT_FALSE (homeFile (name).exists()) << name;
@@ -239,8 +242,12 @@ TEST_F (BrowserArchives, ExportPacksAFolderWithAllThatIsInIt)
     const auto archive = exportFolder (lib ("Set"));
     EXPECT_EQ (archive,
                juce::File::getSpecialLocation (juce::File::tempDirectory).getChildFile ("Set.zip"));
-    EXPECT_EQ (unpackArchive (archive, homeFile ("out")), 4);
-    ASSERT_TRUE (lib ("Set/pipe").deleteFile() && lib ("Set/link").deleteFile());
+    EXPECT_GE (juce::ZipFile (archive).getIndexOfFileName (".hidden"), 0);
+    EXPECT_EQ (unpackArchive (archive, homeFile ("out")), 3);  // all but that one
+
+    for (const auto* name : { "Set/pipe", "Set/link", "Set/.hidden" })
+        ASSERT_TRUE (lib (name).deleteFile());
+
     putFile (lib ("Set/link"), "t");
     EXPECT_EQ (contents (homeFile ("out")), contents (lib ("Set")));
 
@@ -359,4 +366,108 @@ TEST_F (BrowserWindowExport, GoesToTheChosenFolderOrToThatOfTheChosenFile)
     EXPECT_TRUE (desk.getChildFile ("sub/Set.zip").existsAsFile());
     EXPECT_EQ (bytesOf (desk.getChildFile ("sub/other")), "as it was");
     EXPECT_EQ (desk.getNumberOfChildFiles (juce::File::findFilesAndDirectories), 2);
+}
+
+TEST_F (BrowserArchives, AskForNoMoreRoomThanTheyTake)
+{
+    const SmallDisk disk (homeFile ("out"), 200);
+
+    if (! disk.isThere())
+        GTEST_SKIP() << "no right to mount a disk of its own";
+
+    std::vector<ArchiveEntry> entries;
+
+    for (int i = 0; i < 20; ++i)
+        entries.push_back ({ "p" + juce::String (i), std::string (1700, 'p') });
+
+    EXPECT_EQ (unpack (entries), 20);
+
+    // What can't have room isn't begun, be it large or many.
+    entries.resize (100, { "large", std::string (300000, 'l') });
+    EXPECT_EQ (unpack ({ entries.back() }), 0);
+
+    for (int i = 20; i < 100; ++i)
+        entries[static_cast<std::size_t> (i)] = { "q" + juce::String (i), "q" };
+
+    EXPECT_EQ (unpack (entries), 0);
+    EXPECT_EQ (homeFile ("out").getNumberOfChildFiles (juce::File::findFiles), 20);
+}
+
+TEST_F (BrowserArchives, LeaveOutWhatIsHidden)
+{
+    EXPECT_EQ (unpack ({ { ".zbpreset", "x" },
+                         { "__MACOSX/._one.zbpreset", "x" },
+                         { "Sub/__MACOSX/y", "x" },
+                         { "Sub/.git/z", "x" },
+                         { ".DS_Store", "x" },
+                         { "./one.zbpreset", "o" },
+                         { "Sub/__MACOSX", "m" } }),
+               1);
+    EXPECT_EQ (contents (homeFile ("out")), "one.zbpreset=o");
+}
+
+TEST_F (BrowserArchives, TellABackslashInANameFromOneBetweenNames)
+{
+    EXPECT_EQ (unpack ({ { "AC\\DC.zbpreset", "a" }, { "one", "o" } }), 2);
+    EXPECT_EQ (unpack ({ { "Sub/AC\\DC 1", "a" }, { "Sub/AC\\DC 2", "b" } }), 2);
+    EXPECT_EQ (contents (homeFile ("out")), "AC\\DC.zbpreset=a Sub/ Sub/AC\\DC 1=a "
+                                            "Sub/AC\\DC 2=b one=o");
+    ASSERT_TRUE (homeFile ("out").deleteRecursively());
+
+    // Old archives from another system, whose folders show.
+    EXPECT_EQ (unpack ({ { "Sub\\x", "x" }, { "Sub\\y", "y" }, { "z", "z" } }), 3);
+    EXPECT_EQ (unpack ({ { "Dir\\", "" }, { "Dir\\x", "x" } }), 1);
+    EXPECT_EQ (contents (homeFile ("out")), "Dir/ Dir/x=x Sub/ Sub/x=x Sub/y=y z=z");
+    ASSERT_TRUE (homeFile ("out").deleteRecursively());
+
+    // An export of ours is never taken for one of those.
+    putFile (lib ("Set/AC\\DC 1.zbpreset"), "a");
+    putFile (lib ("Set/AC\\DC 2.zbpreset"), "b");
+    const auto archive = exportFolder (lib ("Set"));
+    EXPECT_EQ (unpackArchive (archive, homeFile ("out")), 2);
+    EXPECT_EQ (contents (homeFile ("out")), contents (lib ("Set")));
+    EXPECT_TRUE (archive.deleteFile());
+}
+
+TEST_F (BrowserArchives, AreMadeOfFoldersWithTheLongestNames)
+{
+    const auto accented = juce::String::fromUTF8 ("\xc3\xa9");
+
+    for (const auto& name :
+         { juce::String::repeatedString ("n", 251), juce::String::repeatedString ("n", 252),
+           "x" + juce::String::repeatedString (accented, 127) })
+    {
+        putFile (lib (name + "/one"), "o");
+        const auto archive = exportFolder (lib (name));
+        ASSERT_TRUE (archive.existsAsFile()) << name;
+        EXPECT_EQ (archive.getFileExtension(), ".zip");
+        EXPECT_TRUE (name.startsWith (archive.getFileNameWithoutExtension()));
+        EXPECT_GE (archive.getFileName().getNumBytesAsUTF8(), 254u);
+        ASSERT_TRUE (homeFile ("out").createDirectory());
+        EXPECT_TRUE (copyInto (archive, homeFile ("out")));
+        EXPECT_TRUE (archive.deleteFile());
+    }
+}
+
+TEST_F (BrowserArchives, ThatComeUpShortAreNone)
+{
+    std::mt19937 noise (1);
+    std::string bytes;
+
+    for (int i = 0; i < 40000; ++i)
+        bytes += static_cast<char> (noise());
+
+    putFile (lib ("Set/a"), bytes);
+    const auto desk = homeFile ("desk");
+    ASSERT_TRUE (desk.createDirectory());
+
+    for (const rlim_t limit : { 100u, 20000u, 40100u })
+    {
+        const FileSizeLimit full (limit);
+        EXPECT_EQ (exportFolder (lib ("Set")), juce::File()) << limit;
+        EXPECT_EQ (copyInto (lib ("Set/a"), desk), limit > bytes.size()) << limit;
+    }
+
+    EXPECT_EQ (desk.getNumberOfChildFiles (juce::File::findFiles), 1);
+    EXPECT_EQ (bytesOf (desk.getChildFile ("a")), bytes);
 }

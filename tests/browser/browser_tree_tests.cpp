@@ -145,6 +145,25 @@ TEST_F (BrowserTree, KeepsNamesOfFilesThatHaveGoneUntilTheNextStart)
     EXPECT_TRUE (cacheText().contains ("fileCount=\"1\""));
 }
 
+TEST_F (BrowserTree, StartsWarmBesidePresetsThatAreNeverShown)
+{
+    putPreset ("one.zbpreset", "One");
+    putPreset (".zbpreset", "Nameless");
+    putPreset ("a/.hidden/x.zbpreset", "Hidden");
+    putPreset ("a/__MACOSX/._x.zbpreset", "Fork");
+    open();
+    EXPECT_TRUE (cacheText().contains ("fileCount=\"4\""));
+    putPreset ("one.zbpreset", "Another");
+    open();
+    EXPECT_EQ (rows (0), "a|One");  // as the file of names has it
+
+    // One below the last column is never in that file, so each start reads all.
+    putPreset ("1/2/3/4/.deep.zbpreset", "Deep");
+    open();
+    EXPECT_EQ (rows (0), "1|a|Another");
+    EXPECT_TRUE (cacheText().contains ("fileCount=\"4\""));
+}
+
 TEST_F (BrowserTree, StepsThroughAllPresetsRoundTheEnds)
 {
     open();
