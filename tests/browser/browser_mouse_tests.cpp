@@ -118,6 +118,11 @@ TEST_F (BrowserWindowMouse, ADragOntoAnotherDeviceMovesAllOrNothing)
     putFile (lib ("A/Sub/.hidden"), std::string (9000, 'h'));
     putPreset ("A/Sub/Deep/deep.zbpreset", "Deep", 44.0f);
     ASSERT_EQ (symlink ("nowhere", lib ("A/Sub/link").getFullPathName().toRawUTF8()), 0);
+    const SmallDisk full (lib ("E"), 8);
+
+    if (full.isThere())
+        putFile (lib ("E/filler"), std::string (8192, 'f'));
+
     const auto written = juce::Time (2020, 0, 1, 0, 0);
     ASSERT_TRUE (lib ("A/one.zbpreset").setLastModificationTime (written));
     show();
@@ -127,11 +132,19 @@ TEST_F (BrowserWindowMouse, ADragOntoAnotherDeviceMovesAllOrNothing)
 
     for (const auto* name : { "One", "Sub" })
     {
-        const FileSizeLimit full (100);
+        const FileSizeLimit limit (100);
         drag (onRow (1, name), onRow (0, "D"));
         EXPECT_EQ (contents (lib ("A")), before) << name;
         EXPECT_EQ (contents (other.folder), "") << name;
     }
+
+    for (const auto* name : { "One", "Sub" })
+        if (full.isThere())
+        {
+            drag (onRow (1, name), onRow (0, "E"));
+            EXPECT_EQ (contents (lib ("A")), before) << name;
+            EXPECT_EQ (lib ("E").getNumberOfChildFiles (juce::File::findFilesAndDirectories), 1);
+        }
 
     // A pipe can't be copied, so the folder stays, whole.
     ASSERT_EQ (mkfifo (lib ("A/Sub/pipe").getFullPathName().toRawUTF8(), 0600), 0);
