@@ -164,13 +164,14 @@ for format in "VST3 $vst3_id" "LV2 urn:com.zubrow.Velkor"; do
     export_to "song-$format" "$work/song"
 done
 
-# What hosts say they round to 1/1920 of a quarter note.
-paste -d ' ' "$work/song-VST3" "$work/song-LV2" | awk -v rate="$rate" '
+# What hosts say they round to 1/1920 of a quarter note. The takes are a little longer than asked for, not equally so.
+paste -d ' ' "$work/song-VST3" "$work/song-LV2" | awk -v rate="$rate" -v end=$((seconds * rate - rate / 10)) '
+    $1 > end { next }
     $1 > rate / 5 { if ($2 < low || !n++) low = $2; if ($2 > high) high = $2 }
     { d = $2 > $5 ? $2 - $5 : $5 - $2; if (d > worst) { worst = d; place = $1 } }
     END { printf "the LFO moves the level from %.3f to %.3f, the formats differ by %.6f at sample %d\n",
               low, high, worst, place
-          exit high - low < 0.2 || worst > 0.001 }' >"$work/difference" || fail "$(cat "$work/difference")"
+          exit n == 0 || high - low < 0.15 || worst > 0.001 }' >"$work/difference" || fail "$(cat "$work/difference")"
 cat "$work/difference"
 
 printf 'ardour: as VST3 and as LV2 two exports of a loaded session are the same, %s samples\n' \
