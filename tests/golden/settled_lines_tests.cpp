@@ -135,7 +135,7 @@ TEST (AgainstReference, HeadsSoFarOutThatSlowOnesStandStillGiveItsBits)
     duel.run (noise, 1, 64);
     duel.prepare (
         768000.0);  // the write heads set out from 9.2 million: a float has no halves there
-    duel.playHead.tempo = 40000.0;  // 2 ms
+    duel.playHead.tempo = 1.0e6;  // 2 ms
     duel.set (Delay1Reverse, 1.0f);
 
     for (int i = 0; i < 20; ++i)
