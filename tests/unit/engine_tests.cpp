@@ -174,6 +174,7 @@ TEST (Engine, EditsFromTwoThreadsAtOnceAllStay)
             {
                 watch (engine.signal.connectionLock, engine.signal.edits);
                 watch (engine.modulation.modLock, engine.modulation.edits);
+                std::this_thread::sleep_for (std::chrono::microseconds (200));  // let them edit
             }
         });
     edit (0);
