@@ -225,6 +225,17 @@ void zb_PresetManager::focusGained (FocusChangeType)
         }
 }
 
+/** However the browser is closed, its boxes go: nobody confirms a question of an earlier
+    opening. */
+void zb_PresetManager::visibilityChanged()
+{
+    if (isVisible())
+        return;
+
+    removeDeleteWindow();
+    removeSaveWindow();
+}
+
 void zb_PresetManager::close()
 {
     juce::Desktop::getInstance().getAnimator().fadeOut (this, kFadeMs);

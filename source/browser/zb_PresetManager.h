@@ -132,6 +132,7 @@ public:
 
     void paint (juce::Graphics& g) override;
     void resized() override;
+    void visibilityChanged() override;
     bool keyPressed (const juce::KeyPress& key) override;
     void focusGained (FocusChangeType cause) override;
     void buttonClicked (juce::Button* button) override;

@@ -274,6 +274,21 @@ TEST_F (BrowserWindowMouse, CopyAndPasteGoThroughTheClipboard)
     }
 }
 
+TEST_F (BrowserWindowMouse, AClosedBrowserDeletesNothing)
+{
+    show();
+    click (onRow (0, "A"));
+    click (onRow (1, "Two"));
+    click (on (*browser().buttons[kDeleteCommand]));
+    const auto doIt = on (*browser().deleteWindow->getChildComponent (0));
+    key (juce::KeyPress::escapeKey);
+    click (doIt);  // while it fades
+    EXPECT_TRUE (hasClosed());
+    reopen();
+    click (doIt);
+    EXPECT_TRUE (lib ("A/two.zbpreset").existsAsFile());
+}
+
 TEST_F (BrowserWindowMouse, NothingDanglesWhenTheBrowserGoes)
 {
     show();

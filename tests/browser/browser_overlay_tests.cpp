@@ -153,6 +153,22 @@ TEST_F (BrowserOverlays, CancelOfTheSaveBoxLeavesTheBrowserAndKeepsTheSound)
     EXPECT_EQ (processor.presetName, "Two");
 }
 
+TEST_F (BrowserOverlays, NoneIsThereAtTheNextOpening)
+{
+    select (0, "User");
+
+    for (const auto way : { kCancelCommand, kCloseCommand, kCopyCommand, kPasteCommand })
+    {
+        browser().setVisible (true);
+        command (kDeleteCommand);
+        command (kSaveCommand);
+        command (way);
+        EXPECT_EQ (browser().deleteWindow, nullptr) << way;
+        EXPECT_EQ (browser().saveWindow, nullptr) << way;
+        EXPECT_EQ (browser().getNumChildComponents(), kNumCommands + 2) << way;
+    }
+}
+
 TEST_F (BrowserOverlays, DeleteTakesAPresetOrAFolderForGood)
 {
     command (kDeleteCommand);
