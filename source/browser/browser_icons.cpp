@@ -46,3 +46,9 @@ juce::Image makeSampleImage (juce::Colour colour)
 
     return image;
 }
+
+juce::Image halved (const juce::Image& image)
+{
+    return image.rescaled (image.getWidth() / 2, image.getHeight() / 2,
+                           juce::Graphics::mediumResamplingQuality);
+}

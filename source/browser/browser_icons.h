@@ -17,3 +17,6 @@ std::unique_ptr<juce::Drawable> makeStarOff();
 
 /** A small waveform in a colour, 200 by 100, whose bars have random heights: another one each time. */
 juce::Image makeSampleImage (juce::Colour colour);
+
+/** An image at half its size, each pixel the mean of four. */
+juce::Image halved (const juce::Image& image);

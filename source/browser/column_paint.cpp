@@ -55,12 +55,7 @@ void zb_PresetManagerColumn::paintIcon (juce::Graphics& g, const juce::ValueTree
     const float opacity = selected ? 1.0f : 0.75f;
 
     if (item.hasType (typeString[kSampleNode]))
-    {
-        g.setOpacity (opacity);
-        g.drawImage (sampleImage, start.withTrimmedLeft (0.5f * unit),
-                     juce::RectanglePlacement::centred);
-        return;
-    }
+        return paintSample (g, start, opacity);
 
     const auto* const icon = item.hasType (typeString[kFolderNode])      ? folderIcon.get()
                              : item.hasType (typeString[kFavoritesNode]) ? favoritesIcon.get()
@@ -68,6 +63,24 @@ void zb_PresetManagerColumn::paintIcon (juce::Graphics& g, const juce::ValueTree
 
     if (icon != nullptr)
         icon->drawWithin (g, zone, juce::RectanglePlacement::centred, opacity);
+}
+
+/** The image takes the row's height. Its bars, which end half-way, fill the zone: closer
+    together, they would be fewer than pixels can show. */
+void zb_PresetManagerColumn::paintSample (juce::Graphics& g, juce::Rectangle<float> zone,
+                                          float opacity) const
+{
+    // Scaled down by more than half, whole bars would fall between the points where the image is
+    // looked at.
+    const float pixels = zone.getHeight() * g.getInternalContext().getPhysicalPixelScaleFactor();
+    const auto& image = pixels <= static_cast<float> (smallSampleImage.getHeight())
+                            ? smallSampleImage
+                            : sampleImage;
+    constexpr float kImageUnits = 6.0f;
+
+    g.setOpacity (opacity);
+    g.drawImage (image, zone.withWidth (kImageUnits * unit),
+                 juce::RectanglePlacement::stretchToFit);
 }
 
 void zb_PresetManagerColumn::paintStar (juce::Graphics& g, const juce::ValueTree& item, int width,

@@ -33,7 +33,8 @@ zb_PresetManagerColumn::zb_PresetManagerColumn (juce::Component& browser,
       folderIcon (makeFolderIcon()), favoritesIcon (makeFavoritesIcon()), starOn (makeStarOn()),
       starOff (makeStarOff()),
       sampleImage (
-          makeSampleImage (look.colours.colourText.withAlpha (static_cast<juce::uint8> (0x99))))
+          makeSampleImage (look.colours.colourText.withAlpha (static_cast<juce::uint8> (0x99)))),
+      smallSampleImage (halved (halved (sampleImage)))
 {
     setTitle ("Column " + juce::String (index + 1));
     listBox->setTitle (node["name"].toString());

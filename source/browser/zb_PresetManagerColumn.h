@@ -74,12 +74,13 @@ private:
     juce::ScaledImage makeDragImage();
     void paintIcon (juce::Graphics& g, const juce::ValueTree& item, int height,
                     bool selected) const;
+    void paintSample (juce::Graphics& g, juce::Rectangle<float> zone, float opacity) const;
     void paintStar (juce::Graphics& g, const juce::ValueTree& item, int width, int height,
                     bool selected) const;
 
     const BrowserLook& look;
     const std::unique_ptr<juce::Drawable> folderIcon, favoritesIcon, starOn, starOff;
-    const juce::Image sampleImage;
+    const juce::Image sampleImage, smallSampleImage;
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (zb_PresetManagerColumn)
 };

@@ -164,6 +164,34 @@ TEST_F (BrowserTree, StartsWarmBesidePresetsThatAreNeverShown)
     EXPECT_TRUE (cacheText().contains ("fileCount=\"4\""));
 }
 
+TEST_F (BrowserTree, ShowsAllTenBarsOfASample)
+{
+    putFile (lib ("s.zbpreset"), "<S Sample=\"\"/>");
+    open();
+
+    for (const float width : { 750.0f, 900.0f, 1500.0f })
+    {
+        auto& column = *browser().getColumn (0);
+        column.unit = width * 0.01f;
+        const int height = juce::roundToInt (2.5f * column.unit);
+        juce::Image image (juce::Image::ARGB, 200, height, true);
+        juce::Graphics g (image);
+        column.paintListBoxItem (0, g, 200, height, false);
+        const auto alphaAt = [&] (int x) { return image.getPixelAt (x, height / 2).getAlpha(); };
+        int bars = 0;
+        bool rising = true;
+
+        for (int x = 0; x < juce::roundToInt (3.25f * column.unit); ++x)
+        {
+            const int step = alphaAt (x + 1) - alphaAt (x);
+            bars += rising && step < 0 ? 1 : 0;
+            rising = step != 0 ? step > 0 : rising;
+        }
+
+        EXPECT_EQ (bars, 10) << width;
+    }
+}
+
 TEST_F (BrowserTree, StepsThroughAllPresetsRoundTheEnds)
 {
     open();
