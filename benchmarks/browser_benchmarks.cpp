@@ -122,7 +122,7 @@ static void arrowKeys (benchmark::State& state)
     }
 }
 
-/** The star in a row, with the rebuild that it asks for. */
+/** The star in a row, with what it asks for. */
 static void toggleInColumn (benchmark::State& state)
 {
     const auto browser = library().open();
@@ -131,9 +131,25 @@ static void toggleInColumn (benchmark::State& state)
     const auto open = browser->getCurrentPath();
 
     for (auto _ : state)
+        browser->toggleAndReopen (path, open);
+}
+
+/** The deletion of a preset, with what follows it. */
+static void deletePreset (benchmark::State& state)
+{
+    const auto browser = library().open();
+    browser->getColumn (0)->listBox->selectRow (7);
+    const auto file = browser->presetFiles[7 * kPresetsPerFolder];
+    const auto text = file.loadFileAsString();
+
+    for (auto _ : state)
     {
-        browser->toggleFavorite (path);
-        browser->rebuildAndReopen (open);
+        file.deleteFile();
+        browser->folderChanged (browser->getCurrentPath());
+        state.PauseTiming();
+        file.replaceWithText (text);
+        browser->rebuildAndReopen (browser->getCurrentPath());
+        state.ResumeTiming();
     }
 }
 
@@ -197,5 +213,6 @@ BENCHMARK (loadAlone)->Unit (benchmark::kMicrosecond);
 BENCHMARK (arrowKeys)->Unit (benchmark::kMicrosecond);
 BENCHMARK (toggleInStrip)->Unit (benchmark::kMicrosecond);
 BENCHMARK (toggleInColumn)->Unit (benchmark::kMillisecond)->Iterations (20);
+BENCHMARK (deletePreset)->Unit (benchmark::kMillisecond)->Iterations (20);
 BENCHMARK (paintPanel)->Unit (benchmark::kMicrosecond);
 BENCHMARK (unpackTenThousand)->Unit (benchmark::kMillisecond)->Iterations (2);

@@ -44,6 +44,7 @@ set(PLUGIN_SOURCES
     source/browser/browser_icons.cpp
     source/browser/browser_look.cpp
     source/browser/browser_strings.cpp
+    source/browser/browser_view.cpp
     source/browser/busy_cover.cpp
     source/browser/column_drag.cpp
     source/browser/column_paint.cpp
@@ -82,8 +83,10 @@ set(PLUGIN_SOURCES
     source/state/first_run_install.cpp
     source/state/folder_listing.cpp
     source/state/folder_lock.cpp
+    source/state/folder_snapshot.cpp
     source/state/global_settings.cpp
     source/state/name_cache.cpp
+    source/state/name_cache_scanner.cpp
     source/state/parameter_state.cpp
     source/state/preset_document.cpp
     source/state/state_carriers.cpp

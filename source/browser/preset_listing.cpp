@@ -4,21 +4,6 @@
 #include "browser/browser_strings.h"
 #include "state/document_guard.h"
 
-#include <algorithm>
-
-static constexpr auto kResourceForks = "__MACOSX";
-
-std::vector<FolderEntry> listFolder (const juce::File& folder)
-{
-    auto entries = listEntries (folder);
-    std::erase_if (entries, [] (const FolderEntry& entry)
-                   { return entry.file.isHidden() || entry.file.getFileName() == kResourceForks; });
-    std::sort (entries.begin(), entries.end(),
-               [] (const FolderEntry& a, const FolderEntry& b)
-               { return comesBefore (a.file, b.file); });
-    return entries;
-}
-
 // --- dialects ------------------------------------------------------------------------------------------
 
 static juce::String nameIn (const juce::XmlElement& document, const juce::String& pluginName)

@@ -6,12 +6,6 @@
 
 #include <juce_core/juce_core.h>
 
-#include <vector>
-
-/** Visible files and folders right below folder, in the order of comesBefore. Folders that archives made on a Mac
-    carry along are left out. Any thread. */
-std::vector<FolderEntry> listFolder (const juce::File& folder);
-
 /** Name and type that a preset file tells, in the dialect of the product of that name; an empty name if the
     file tells none or can't be read. Opens the file. Any thread. */
 KnownPreset readPresetFile (const juce::File& file, const juce::String& pluginName);

@@ -218,7 +218,7 @@ void zb_PresetManager::focusGained (FocusChangeType)
         return;
 
     for (int i = columns.size(); --i >= 0;)
-        if (i == 0 || columns[i]->listBox->getSelectedRow() >= 0)
+        if (i == 0 || columns[i]->listBox->getSelectedRow() >= 0 || columns[i]->keyStart)
         {
             columns[i]->listBox->grabKeyboardFocus();
             return;

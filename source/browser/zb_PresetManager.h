@@ -10,6 +10,7 @@
 #include "browser/zb_PresetManagerDownloadListener.h"
 #include "browser/zb_PresetManagerDownloadPanel.h"
 #include "browser/zb_PresetManagerSaveWindow.h"
+#include "state/folder_snapshot.h"
 #include "state/name_cache.h"
 
 #include <juce_gui_basics/juce_gui_basics.h>
@@ -94,9 +95,14 @@ public:
     /** Opens folders by name, as far as they are found. */
     void navigateToPath (const juce::StringArray& names);
 
-    /** Rebuilds the tree after a change of the folder and opens what of the path is still there. Deletes all
+    /** Rebuilds the tree after a change of the folder and opens what of the path is still
+        there. The view and the current program stay, as far as what they show does. Deletes all
         columns: a column that calls this may not touch itself afterwards. */
     void rebuildAndReopen (const juce::StringArray& path);
+
+    /** Toggles a favourite and does the same, but for the row of a preset, which is not
+        selected again. Builds only those nodes that changed if nothing else changed on disk. */
+    void toggleAndReopen (const juce::String& fullPath, const juce::StringArray& path);
 
     /** What a move or a deletion ends with: rebuilds, and tells the host. */
     void folderChanged (const juce::StringArray& path);
@@ -165,7 +171,26 @@ public:
     std::unique_ptr<FactoryDownload> download;  ///< the running one; empty if none is
 
 private:
-    KnownPreset nameAndType (const juce::String& relativePath, const juce::File& file);
+    /** What paths begin with in a folder. */
+    struct PathStarts
+    {
+        juce::String full, relative;
+    };
+
+    /** The rebuild; if not anew, nodes are made only if they would be others. */
+    void readTree (bool anew);
+    void makeNodes (const FolderSnapshot& disk);
+    void showFavoritesNode (bool shown);
+    void addContents (const FolderSnapshot& contents, const PathStarts& starts,
+                      juce::ValueTree& parent, int depth, KnownPresets::iterator& next);
+    bool isJoined (KnownPresets::const_iterator entry, const juce::String& start,
+                   const juce::String& name) const;
+
+    /** Finds a preset's name, if need be in its file. Leaves next behind the preset. */
+    const KnownPreset& nameAndType (const juce::String& relativePath, const juce::File& file,
+                                    KnownPresets::iterator& next);
+    void reopen (const juce::StringArray& path, bool anew);
+    juce::File currentPreset() const;
     juce::ValueTree makeFavoritesNode();
     void deleteColumnsBehind (int columnIndex);
     void addColumn (const juce::ValueTree& node);
@@ -188,6 +213,8 @@ private:
     juce::File downloadTarget() const;
     void downloadFactoryContent();
     void installFactoryContent();
+
+    int nodesVersion = 0;  ///< of the snapshot that the nodes were made of
 
     JUCE_DECLARE_NON_COPYABLE_WITH_LEAK_DETECTOR (zb_PresetManager)
 };

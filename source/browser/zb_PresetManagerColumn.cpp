@@ -15,12 +15,46 @@ namespace
 class ColumnList : public juce::ListBox
 {
 public:
-    using juce::ListBox::ListBox;
+    explicit ColumnList (zb_PresetManagerColumn& owner)
+        : juce::ListBox (juce::String(), &owner), column (owner)
+    {
+    }
 
     bool keyPressed (const juce::KeyPress& key) override
     {
-        return ! key.isKeyCode (juce::KeyPress::returnKey) && juce::ListBox::keyPressed (key);
+        using Key = juce::KeyPress;
+
+        if (key.isKeyCode (Key::returnKey))
+            return false;
+
+        if (! column.keyStart || getSelectedRow() >= 0)
+            return juce::ListBox::keyPressed (key);
+
+        const auto [above, below] = *column.keyStart;
+        const int page = getViewport()->getHeight() / getRowHeight();
+
+        if (key.isKeyCode (Key::upKey))
+            goTo (above);
+        else if (key.isKeyCode (Key::downKey))
+            goTo (below);
+        else if (key.isKeyCode (Key::pageUpKey))
+            goTo (above + 1 - page);
+        else if (key.isKeyCode (Key::pageDownKey))
+            goTo (below - 1 + page);
+        else
+            return juce::ListBox::keyPressed (key);
+
+        return true;
     }
+
+private:
+    void goTo (int row)
+    {
+        if (const int last = column.getNumRows() - 1; last >= 0)
+            selectRow (juce::jlimit (0, last, row));
+    }
+
+    zb_PresetManagerColumn& column;
 };
 
 }  // namespace
@@ -29,7 +63,7 @@ zb_PresetManagerColumn::zb_PresetManagerColumn (juce::Component& browser,
                                                 const BrowserLook& browserLook,
                                                 const juce::ValueTree& node, int index)
     : owner (browser), tree (node), columnIndex (index),
-      listBox (std::make_unique<ColumnList> (juce::String(), this)), look (browserLook),
+      listBox (std::make_unique<ColumnList> (*this)), look (browserLook),
       folderIcon (makeFolderIcon()), favoritesIcon (makeFavoritesIcon()), starOn (makeStarOn()),
       starOff (makeStarOff()),
       sampleImage (
@@ -85,8 +119,15 @@ void zb_PresetManagerColumn::handleRowSelection (int row)
     browser.getTopLevelComponent()->repaint();
 }
 
+void zb_PresetManagerColumn::selectWithoutLoad (int row)
+{
+    const juce::ScopedValueSetter<bool> forShow (manager().navigating, true);
+    listBox->selectRow (row, true);
+}
+
 void zb_PresetManagerColumn::selectedRowsChanged (int lastRow)
 {
+    keyStart.reset();
     handleRowSelection (lastRow);
 }
 
@@ -124,11 +165,8 @@ void zb_PresetManagerColumn::toggleStarLater (const juce::String& path)
         [browser = juce::Component::SafePointer<zb_PresetManager> (&manager()), path,
          openFolders = manager().getCurrentPath()]
         {
-            if (browser == nullptr)
-                return;
-
-            browser->toggleFavorite (path);
-            browser->rebuildAndReopen (openFolders);
+            if (browser != nullptr)
+                browser->toggleAndReopen (path, openFolders);
         });
 }
 

@@ -6,6 +6,7 @@
 #include <juce_gui_basics/juce_gui_basics.h>
 
 #include <memory>
+#include <optional>
 
 class zb_PresetManager;
 
@@ -24,6 +25,12 @@ public:
 
     /** Hands a row to the manager; ignores one that doesn't exist. */
     void handleRowSelection (int row);
+
+    /** Selects a row as it was before a rebuild: its preset is not loaded again. */
+    void selectWithoutLoad (int row);
+
+    /** Whether a row is one that can be heard, and so has a star. */
+    static bool isPreset (const juce::ValueTree& item);
 
     int getNumRows() override { return tree.getNumChildren(); }
     void paintListBoxItem (int row, juce::Graphics& g, int width, int height,
@@ -59,12 +66,17 @@ public:
     int dragRow = -1;           ///< row of the press
     juce::String dragPath;      ///< path of that row; empty where it can't be dragged
 
+    /** Rows that the arrow keys lead to from a row that was selected before a rebuild. */
+    struct KeyStart
+    {
+        int above = -1, below = 0;
+    };
+
+    std::optional<KeyStart> keyStart;  ///< only while no row is selected
+
 private:
     /** Width of the zone at the end of a row that is its star, in units. */
     static constexpr float kStarZone = 3.0f;
-
-    /** Whether a row is one that can be heard, and so has a star. */
-    static bool isPreset (const juce::ValueTree& item);
 
     zb_PresetManager& manager() const;
     juce::ValueTree itemAt (int row) const { return tree.getChild (row); }

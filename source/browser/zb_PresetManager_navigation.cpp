@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
+#include "browser/browser_view.h"
 #include "browser/preset_listing.h"
 #include "browser/zb_PresetManager.h"
 #include "processor/zb_AudioProcessor.h"
@@ -64,6 +65,7 @@ void zb_PresetManager::itemSelected (const juce::ValueTree& item, int columnInde
     if (isFavorites)
     {
         favoritesNode = makeFavoritesNode();
+        auto next = presetCache.begin();
 
         for (const auto& path : favorites)
         {
@@ -72,7 +74,7 @@ void zb_PresetManager::itemSelected (const juce::ValueTree& item, int columnInde
             if (! file.existsAsFile() || ! file.hasFileExtension (kPresetExtension))
                 continue;
 
-            if (const auto known = nameAndType (path, file); known.name.isNotEmpty())
+            if (const auto& known = nameAndType (path, file, next); known.name.isNotEmpty())
                 favoritesNode.appendChild (
                     addToTree (known.name, file.getFullPathName(), known.type, -1), nullptr);
         }
@@ -201,11 +203,43 @@ void zb_PresetManager::navigateToPath (const juce::StringArray& names)
     }
 }
 
-void zb_PresetManager::rebuildAndReopen (const juce::StringArray& path)
+/** The file at currentProgram; none if the sound has another name than that. */
+juce::File zb_PresetManager::currentPreset() const
 {
-    makeNewTree();
+    const auto file = presetFiles[processor.currentProgram];
+
+    if (file == juce::File())
+        return {};
+
+    const auto known = presetCache.find (relativePresetPath (file, presetFolder));
+    const bool isHeard =
+        known != presetCache.end() && known->second.name == processor.getPresetName();
+    return isHeard ? file : juce::File();
+}
+
+void zb_PresetManager::reopen (const juce::StringArray& path, bool anew)
+{
+    const BrowserView view (*this);
+    const auto current = currentPreset();
+    readTree (anew);
     resized();
     navigateToPath (path);
+    view.restore (*this, anew);
+
+    // The rebuild looks for a file of the preset's name, which "01 - Name" is not.
+    if (const int index = presetFiles.indexOf (current); index >= 0)
+        processor.currentProgram = index;
+}
+
+void zb_PresetManager::rebuildAndReopen (const juce::StringArray& path)
+{
+    reopen (path, true);
+}
+
+void zb_PresetManager::toggleAndReopen (const juce::String& fullPath, const juce::StringArray& path)
+{
+    toggleFavorite (fullPath);
+    reopen (path, false);
 }
 
 void zb_PresetManager::folderChanged (const juce::StringArray& path)

@@ -66,6 +66,86 @@ TEST_F (BrowserWindowKeys, ReturnClosesFromAListAndFromThePanel)
     EXPECT_TRUE (hasClosed());
 }
 
+// The rebuild deletes the columns, the one with the focus too.
+TEST_F (BrowserWindowKeys, GoOnFromTheSameRowAfterEveryRebuild)
+{
+    using Key = juce::KeyPress;
+
+    for (int i = 0; i < 80; ++i)
+        putPreset ("Many/p" + juce::String (i + 10) + ".zbpreset", "P" + juce::String (i + 10),
+                   100.0f + static_cast<float> (i + 10));
+
+    show();
+    click (onRow (0, "Many"));
+    browser().getColumn (1)->listBox->getViewport()->setViewPosition (0, 600);
+    auto row = onRow (1, "P43");
+
+    // The row under the mouse, the focus, and what an arrow key leads to.
+    const auto expect = [&] (int arrow, float wanted, const char* after)
+    {
+        pump();
+        EXPECT_EQ (onRow (1, "P43"), row) << after;
+        EXPECT_EQ (focusedColumn(), 1) << after;
+        key (arrow);
+        EXPECT_EQ (delay(), wanted) << after;
+    };
+    const auto current = [&] { return browser().presetFiles[processor.currentProgram]; };
+
+    click (onRow (1, "P40", -5.0f));
+    pump();
+    EXPECT_EQ (current(), lib ("Many/p40.zbpreset"));  // though its file has another name
+    EXPECT_EQ (browser().getColumn (1)->listBox->getSelectedRow(), -1);
+    expect (Key::downKey, 141.0f, "a star");
+
+    for (const bool byKey : { false, true })
+    {
+        click (on (*browser().buttons[kDeleteCommand]));
+        auto& doIt = *browser().deleteWindow->getChildComponent (0);
+
+        if (byKey)
+        {
+            doIt.grabKeyboardFocus();
+            key (Key::returnKey);
+            pump();
+        }
+        else
+            click (on (doIt));
+
+        row.y -= 22.0f;  // the row that went was above
+        expect (byKey ? Key::upKey : Key::downKey, byKey ? 140.0f : 142.0f, "a deletion");
+    }
+
+    drag (onRow (1, "P40"), onRow (0, "A"));
+    row.y -= 22.0f;
+    expect (Key::upKey, 139.0f, "a drop");
+
+    putFile (homeFile ("Pack.zip"), "empty");
+    browser().importFile (homeFile ("Pack.zip"));
+    EXPECT_EQ (browser().selectedPath, lib ("Many/p39.zbpreset").getFullPathName());
+    EXPECT_EQ (current(), lib ("Many/p39.zbpreset"));
+    expect (Key::downKey, 143.0f, "an import");
+    pump (300);  // the dragged picture fades
+}
+
+// The row of favourites comes and goes above the others.
+TEST_F (BrowserWindowKeys, AStarLeavesTheRowUnderTheMouse)
+{
+    for (int i = 0; i < 60; ++i)
+        putPreset ("z" + juce::String (i + 10) + ".zbpreset", "Z" + juce::String (i + 10));
+
+    show();
+    browser().getColumn (0)->listBox->getViewport()->setViewPosition (0, 505);
+    const auto star = onRow (0, "Z40", -5.0f);
+
+    for (const int favorites : { 1, 0 })
+    {
+        click (star);
+        pump();
+        EXPECT_EQ (onRow (0, "Z40", -5.0f), star);
+        EXPECT_EQ (browser().favorites.size(), favorites);
+    }
+}
+
 TEST_F (BrowserWindowKeys, AreKeptFromABrowserThatIsAtWork)
 {
     const auto archive = homeFile ("Pack.zip");

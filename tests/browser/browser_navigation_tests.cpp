@@ -67,7 +67,7 @@ TEST_F (BrowserNavigation, ReopensTheFoldersThatAreStillThere)
     select (1, "B");
     select (2, "One");
     EXPECT_EQ (browser().getCurrentPath(), juce::StringArray ({ "A", "B" }));
-    EXPECT_EQ (viewAfter ({ "A", "B" }), "*A|D / *B|Three / One|Two");
+    EXPECT_EQ (viewAfter ({ "A", "B" }), "*A|D / *B|Three / *One|Two");
 
     // A name that is not found is passed over, and the next one looked for in the same node.
     EXPECT_EQ (viewAfter ({ "A", "gone", "B" }), "*A|D / B|Three");

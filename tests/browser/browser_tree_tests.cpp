@@ -3,7 +3,10 @@
 #include "browser/browser_fixture.h"
 #include "browser/preset_listing.h"
 #include "state/folder_listing.h"
+#include "state/name_cache.h"
 
+#include <algorithm>
+#include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -162,6 +165,96 @@ TEST_F (BrowserTree, StartsWarmBesidePresetsThatAreNeverShown)
     open();
     EXPECT_EQ (rows (0), "1|a|Another");
     EXPECT_TRUE (cacheText().contains ("fileCount=\"4\""));
+}
+
+// What a star builds, it builds from what has changed.
+TEST_F (BrowserTree, ShowsAfterAStarWhatANewBrowserDoes)
+{
+    putPreset ("star.zbpreset", "Star");
+    putFile (homeFile ("elsewhere/linked.zbpreset"), documentWithParams ({}).toStdString());
+
+    for (const auto* set : { "A/Sub", "B", "C", "D", "E/Sub", "F" })
+        putPreset (juce::String (set) + "/one.zbpreset", "One");
+
+    open();
+    juce::Thread::sleep (2200);  // folders of that age need no second look
+    juce::ValueTree folderNode;
+
+    const std::function<void()> changes[] = {
+        [] {},
+        [&] { folderNode = browser().rootTree.getChildWithProperty ("name", "A"); },
+        [&] { EXPECT_TRUE (folderNode == browser().rootTree.getChildWithProperty ("name", "A")); },
+        [&] { putPreset ("A/Sub/new.zbpreset", "New"); },
+        [&] { EXPECT_TRUE (lib ("B/one.zbpreset").moveFileTo (lib ("B/uno.zbpreset"))); },
+        [&] { putPreset ("C/.hidden.zbpreset", "Hidden"); },
+        [&]
+        {
+            EXPECT_TRUE (lib ("D/one.zbpreset").deleteFile());
+            EXPECT_TRUE (lib ("D/one.zbpreset").createDirectory());
+        },
+        [&] { EXPECT_TRUE (lib ("E").moveFileTo (lib ("a moved one"))); },
+        [&] { EXPECT_TRUE (lib ("F").deleteRecursively()); },
+        [&] { EXPECT_TRUE (homeFile ("elsewhere").createSymbolicLink (lib ("link"), false)); },
+        [&] { EXPECT_TRUE (homeFile ("elsewhere/linked.zbpreset").deleteFile()); },
+        [&]
+        { putFile (lib ("preset_info.xml"), cacheText().replace ("Star", "Stern").toStdString()); },
+    };
+
+    for (int i = 0; const auto& change : changes)
+    {
+        ++i;
+        change();
+        browser().toggleAndReopen (lib ("star.zbpreset").getFullPathName(), {});
+        auto shown = browser().rootTree.createCopy();
+        shown.removeChild (shown.getChildWithName ("Favorites"), nullptr);
+
+        // Walks the disk anew, whatever is known of it.
+        zb_PresetManager fresh (processor, folder, nullptr, nullptr);
+        auto wanted = fresh.addToTree ("Presets", {}, kRootNode, -1);
+        fresh.presetCounter = 0;
+        fresh.presetFiles.clear();
+        fresh.createFolderTree (folder, wanted, 3);
+        EXPECT_EQ (shown.toXmlString(), wanted.toXmlString()) << i;
+        EXPECT_EQ (browser().presetFiles, fresh.presetFiles) << i;
+    }
+}
+
+// There is a fast way for the form that is written, and the parser for all others.
+TEST_F (BrowserTree, ReadsAFileOfNamesTheFastWayAsTheParserDoes)
+{
+    putPreset (juce::String::repeatedString ("long", 20) + ".zbpreset", "&lt;&quot;&amp;'&gt;");
+    putPreset ("b.zbpreset", juce::String::fromUTF8 ("\xe6\xb3\xa2 \xf0\x9f\x8c\x8a"));
+    open();
+    const auto written = cacheText().toStdString();
+    const auto read = [] (const std::string& text)
+    {
+        const auto found = readNameCacheContents ({ text.data(), text.size() });
+        juce::String all (found ? "" : "none");
+
+        if (found)
+            all << found->version << " " << found->fileCount << " " << found->pluginName;
+
+        for (const auto& [path, known] : found ? found->presets : KnownPresets())
+            all << "|" << path << "|" << known.name << "|" << known.type;
+
+        return all;
+    };
+    juce::Random random (7);
+
+    for (int i = 0; i < 20000; ++i)
+    {
+        auto text = written;
+
+        for (int change = random.nextInt (3); change >= 0; --change)
+            text.replace (
+                static_cast<std::size_t> (random.nextInt (static_cast<int> (text.size()))),
+                static_cast<std::size_t> (random.nextInt (3)), 1,
+                " <>\"&;#/=x12\t\n\x80!"[random.nextInt (16)]);
+
+        auto slow = text;
+        slow.insert (std::min (slow.size(), slow.find ('>') + 1), "<!-- no fast way -->");
+        EXPECT_EQ (read (text), read (slow)) << text;
+    }
 }
 
 TEST_F (BrowserTree, ShowsAllTenBarsOfASample)
