@@ -171,6 +171,8 @@ double SongPosition::locateInBars (double bar, double barBeat, bool isNewMeter,
 
         if (std::abs (origin + inBars - quarters) < 0.25)
             return toTick (origin + inBars);
+
+        framesAreOfSong = false;  // a host that counts on while its song jumps
     }
 
     const double byFrame = songFrame ? quartersIn (*songFrame) : 0.0;
@@ -214,7 +216,8 @@ double SongPosition::findOrigin (double bar, double inBars) const noexcept
         }
 
     // With one tempo all along, the frame knows better than the bars how many beats went before.
-    if (songFrame && tempo > 0.0 && ! sawTempoChange)
+    // Some hosts leave the frame at 0.
+    if (songFrame && *songFrame > 0.0 && framesAreOfSong && tempo > 0.0 && ! sawTempoChange)
     {
         const double ahead = quartersIn (*songFrame) - inBars;
         const double step = std::min (meter.beat(), 1.0);

@@ -96,6 +96,7 @@ private:
     bool fractionIsOfQuarter = false;  ///< how barBeat is read
     bool fractionIsOfBeat = false;     ///< whether that has been seen for certain in this meter
     bool sawTempoChange = false;
+    bool framesAreOfSong = true;  ///< false once frames and bars have moved apart
     std::optional<Anchor> anchor;
     std::array<Region, 16> regions {};  ///< by bar
     int numRegions = 0;

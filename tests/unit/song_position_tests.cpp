@@ -101,6 +101,22 @@ TEST (SongPosition, WhatCantBeIsIgnoredAndWhatIsMissingStays)
     EXPECT_EQ (*song.getQuarters(), 9.0);
 }
 
+// A host that leaves the frame at 0, and one that counts samples on while its song jumps.
+TEST (SongPosition, BarsAreTrustedWhereTheFrameIsNotTheSongs)
+{
+    for (const double step : { 0.0, 48000.0 })
+    {
+        auto song = at48000();
+        song.take (makeEvent (0, 0, 0, 4, 4, 120));
+        song.advance (48000);
+        song.take (makeEvent (step, 8, 0, 4, 4, 120));
+        EXPECT_EQ (*song.getQuarters(), 32.0) << step;
+        song.advance (48000);
+        song.take (makeEvent (2 * step, 2, 1, 4, 4, 120));
+        EXPECT_EQ (*song.getQuarters(), 9.0) << step;
+    }
+}
+
 TEST (SongPosition, FrameAndTempoAreTheLastResort)
 {
     auto song = at48000();
