@@ -83,11 +83,12 @@ std::unique_ptr<juce::AudioPluginInstance> makeVst3()
 class Vst3Player : public HostedPlayer
 {
 public:
-    Vst3Player (double sampleRate)
+    Vst3Player (double sampleRate, juce::AudioChannelSet output = juce::AudioChannelSet::stereo())
     {
         // Brings the bundle's process-wide rate to where DirectPlayer brings ours.
         makeVst3()->prepareToPlay (44100.0, 512);
         plugin = makeVst3();
+        EXPECT_TRUE (plugin->setBusesLayout ({ { juce::AudioChannelSet::stereo() }, { output } }));
         plugin->setPlayHead (this);
         plugin->prepareToPlay (sampleRate, Session::kMaxBlock);
     }
@@ -623,6 +624,22 @@ INSTANTIATE_TEST_SUITE_P (Formats, Hosted,
                           testing::Values ("VST3")
 #endif
 );
+
+// JUCE hands over two channels for a stereo input, and the first of them is the output.
+TEST (HostedVst3, MonoOutputIsTheLeftOfStereo)
+{
+    const juce::ScopedJuceInitialiser_GUI framework;
+    const auto session = makeSession (48000.0, 48);
+    DirectInUnits direct (48000.0);
+    auto want = direct.play (session);
+    auto got = Vst3Player (48000.0, juce::AudioChannelSet::mono()).play (session);
+    EXPECT_GT (want.getRMSLevel (1, 0, want.getNumSamples()), 0.0f);
+
+    for (auto* output : { &want, &got })
+        output->copyFrom (1, 0, *output, 0, 0, output->getNumSamples());
+
+    expectSameSamples (got, want);
+}
 
 TEST (HostedVst3, IsFoundAsADelayEffectOfItsMaker)
 {
