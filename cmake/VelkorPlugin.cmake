@@ -136,7 +136,7 @@ if(TARGET Velkor_LV2)
     # Debian's patched settings header sets this to the plug-in's name before the generated one is read.
     target_compile_definitions(Velkor_LV2 PRIVATE "JucePlugin_LV2URI=\"${VELKOR_LV2_URI}\"")
 
-    # The entries of the framework's client get other names, and ours are in front of them.
+    # The entries of JUCE's LV2 client get other names, and ours are in front of them.
     target_compile_definitions(Velkor_LV2 PRIVATE
         lv2_descriptor=velkor_client_lv2_descriptor lv2ui_descriptor=velkor_client_lv2ui_descriptor)
     set(LV2_SOURCES source/processor/lv2_entry.cpp source/processor/lv2_song_events.cpp)
@@ -144,7 +144,7 @@ if(TARGET Velkor_LV2)
     velkor_own_sources(${LV2_SOURCES})
     target_include_directories(Velkor_LV2 PRIVATE "${CMAKE_SOURCE_DIR}/source")
 
-    # The framework writes the Turtle after each link, all but the licence and a port.
+    # JUCE writes the Turtle after each link, all but the licence and a port.
     add_custom_command(TARGET Velkor_LV2 POST_BUILD
         COMMAND "${CMAKE_COMMAND}"
             "-DTURTLE=$<GENEX_EVAL:$<TARGET_PROPERTY:Velkor_LV2,JUCE_PLUGIN_ARTEFACT_FILE>>/dsp.ttl"

@@ -71,24 +71,29 @@ bool zb_PresetManager::moveOnDisk (const juce::File& source, const juce::File& t
 {
     const auto oldPath = relativePresetPath (source, presetFolder);
     const auto newPath = relativePresetPath (target, presetFolder);
+    const auto isMoved = [&oldPath] (const juce::String& path)
+    { return path == oldPath || path.startsWith (oldPath + "/"); };
+    const auto starredBefore = readFavoritesFile (favoritesFile);
 
-    // Before the lock goes, nobody may take the stars of the old paths for those of files that have gone.
-    const FolderLock lock (presetFolder);
-
+    // Not under the lock: a move to another disk takes as long as its copies.
     if (! moveToNewName (source, target))
         return false;
 
-    bool starred = false;
+    const FolderLock lock (presetFolder);
     favorites = readFavoritesFile (favoritesFile);
+    bool starred = false;
+
+    // Another instance may have dropped the stars of the old paths meanwhile.
+    for (const auto& path : starredBefore)
+        if (isMoved (path))
+            favorites.addIfNotAlreadyThere (path);
 
     for (auto& path : favorites)
-    {
-        if (path != oldPath && ! path.startsWith (oldPath + "/"))
-            continue;
-
-        path = newPath + path.substring (oldPath.length());
-        starred = true;
-    }
+        if (isMoved (path))
+        {
+            path = newPath + path.substring (oldPath.length());
+            starred = true;
+        }
 
     if (starred)
         saveFavorites();

@@ -5,6 +5,7 @@
 #include "state/unseen_presets.h"
 
 #include <array>
+#include <memory>
 #include <string_view>
 
 // The tree, the flat list and the names: what the browser knows of the disk.
@@ -22,19 +23,21 @@ namespace
     opens again, and serves all instances. Message thread. */
 struct DiskMemory
 {
-    juce::File folder;  ///< of disk
-    std::unique_ptr<FolderSnapshot> disk;
-    NameCache names;
+    explicit DiskMemory (const juce::File& presetFolder) : folder (presetFolder), disk (folder) {}
 
     static DiskMemory& of (const juce::File& presetFolder)
     {
-        static DiskMemory memory;
+        static std::unique_ptr<DiskMemory> memory;
 
-        if (memory.disk == nullptr || memory.folder != presetFolder)
-            memory = { presetFolder, std::make_unique<FolderSnapshot> (presetFolder), {} };
+        if (memory == nullptr || memory->folder != presetFolder)
+            memory = std::make_unique<DiskMemory> (presetFolder);
 
-        return memory;
+        return *memory;
     }
+
+    const juce::File folder;
+    FolderSnapshot disk;
+    NameCache names;
 };
 
 }  // namespace
@@ -52,14 +55,13 @@ void zb_PresetManager::readTree (bool anew)
     loadFavorites();
 
     auto& memory = DiskMemory::of (presetFolder);
-    memory.disk->refresh();
+    memory.disk.refresh();
 
     // A failed test leaves the names of this session as they are, those of files that have gone included.
-    const auto cache = memory.names.read (presetFolder, memory.disk->countPresets(), presetCache);
+    const auto cache = memory.names.read (presetFolder, memory.disk.countPresets(), presetCache);
 
-    if (anew || memory.disk->getVersion() != nodesVersion ||
-        cache == NameCache::Freshness::replaced)
-        makeNodes (*memory.disk);
+    if (anew || memory.disk.getVersion() != nodesVersion || cache == NameCache::Freshness::replaced)
+        makeNodes (memory.disk);
 
     showFavoritesNode (! favorites.isEmpty());
 

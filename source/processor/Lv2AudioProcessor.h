@@ -14,7 +14,7 @@ class Lv2AudioProcessor : public NoticingAudioProcessor
 public:
     Lv2AudioProcessor();
 
-    /** The processor that this thread made last and nobody took yet, or nullptr. */
+    /** The processor that this thread constructed last and nobody took yet, or nullptr. */
     static Lv2AudioProcessor* takeLastMade() noexcept;
 
     /** Around the client's work on one block. events, by offset, stay the caller's. Audio thread;
@@ -27,7 +27,7 @@ public:
 
     void prepareToPlay (double sampleRate, int samplesPerBlock) override;
 
-    /** In parts if the song jumps, starts or stops inside the block. All MIDI goes to the first
+    /** In parts if the song jumps, starts, stops or changes tempo inside the block. All MIDI goes to the first
         part: it acts at the start of the host's block anyway. */
     void processBlock (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi) override;
     void processBlockBypassed (juce::AudioBuffer<float>& buffer, juce::MidiBuffer& midi) override;

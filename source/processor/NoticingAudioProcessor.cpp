@@ -1,23 +1,27 @@
 // SPDX-License-Identifier: AGPL-3.0-or-later
 #include "processor/NoticingAudioProcessor.h"
 
-/** Marks this thread as the one on which the host loads a state. */
-class NoticingAudioProcessor::Loading
+#include <utility>
+
+/** The processor into which the host loads a state on this thread; nullptr for none. */
+static thread_local const NoticingAudioProcessor* loadingProcessor = nullptr;
+
+/** Marks the host's load of a state, as long as it lives. */
+class Loading
 {
 public:
-    explicit Loading (NoticingAudioProcessor& p)
-        : processor (p), before (p.loadThread.exchange (juce::Thread::getCurrentThreadId()))
+    explicit Loading (const NoticingAudioProcessor& processor)
+        : before (std::exchange (loadingProcessor, &processor))
     {
     }
 
-    ~Loading() { processor.loadThread = before; }
+    ~Loading() { loadingProcessor = before; }
 
     Loading (const Loading&) = delete;
     Loading& operator= (const Loading&) = delete;
 
 private:
-    NoticingAudioProcessor& processor;
-    const juce::Thread::ThreadID before;
+    const NoticingAudioProcessor* const before;
 };
 
 NoticingAudioProcessor::NoticingAudioProcessor (Faders f) : faders (f)
@@ -44,8 +48,7 @@ void NoticingAudioProcessor::setCurrentProgram (int index)
 
 bool NoticingAudioProcessor::isHostsWork() const noexcept
 {
-    const auto thread = juce::Thread::getCurrentThreadId();
-    return thread == blockThread || thread == loadThread;
+    return loadingProcessor == this || blockThread == juce::Thread::getCurrentThreadId();
 }
 
 void NoticingAudioProcessor::notice()

@@ -29,7 +29,6 @@ protected:
     std::atomic<juce::Thread::ThreadID> blockThread { nullptr };
 
 private:
-    class Loading;
     using Details = juce::AudioProcessor::ChangeDetails;
 
     void audioProcessorChanged (juce::AudioProcessor*, const Details& details) override;
@@ -40,7 +39,6 @@ private:
     void notice();
 
     const Faders faders;
-    std::atomic<juce::Thread::ThreadID> loadThread { nullptr };
     std::atomic<int> numGestures { 0 };
     std::atomic<bool> changedInGesture { false };
 

@@ -65,12 +65,19 @@ LV2_Handle instantiate (const LV2_Descriptor*, double sampleRate, const char* bu
     if (handle == nullptr)
         return nullptr;
 
+    if (processor == nullptr)  // made on another thread, as no JUCE known today does
+    {
+        client().cleanup (handle);
+        return nullptr;
+    }
+
     // JUCE numbers the audio ports first, then the control port and four more. The Turtle adds one.
-    auto made = std::make_unique<Instance> (Instance { handle, processor, Lv2SongEvents (*map) });
-    made->controlPort = static_cast<std::uint32_t> (processor->getTotalNumInputChannels() +
-                                                    processor->getTotalNumOutputChannels());
-    made->transportPort = made->controlPort + 5;
-    return made.release();
+    auto instance =
+        std::make_unique<Instance> (Instance { handle, processor, Lv2SongEvents (*map) });
+    instance->controlPort = static_cast<std::uint32_t> (processor->getTotalNumInputChannels() +
+                                                        processor->getTotalNumOutputChannels());
+    instance->transportPort = instance->controlPort + 5;
+    return instance.release();
 }
 
 void connectPort (LV2_Handle handle, std::uint32_t port, void* data)

@@ -63,7 +63,7 @@ bool SongPosition::isJump (const SongEvent& event) const noexcept
 {
     SongPosition after = *this;
     after.take (event);
-    return after.isKnown != isKnown || after.speed != speed ||
+    return after.isKnown != isKnown || after.speed != speed || after.getTempo() != getTempo() ||
            std::abs (after.quarters - quarters) > kTolerance;
 }
 
@@ -79,7 +79,6 @@ void SongPosition::take (const SongEvent& event) noexcept
 
     if (isWithin (event.tempo, 0.001, 100000.0) && *event.tempo != tempo)
     {
-        sawTempoChange = tempo > 0.0;
         tempo = *event.tempo;
         anchor.reset();
     }
@@ -127,10 +126,15 @@ std::optional<double> SongPosition::locate (const SongEvent& event, bool isNewMe
     if (isWithin (event.beat, -kMaxQuarters, kMaxQuarters))
         return *event.beat;
 
-    if (isWithin (event.bar, -1.0e6, 1.0e6) && ! isContinuous)
+    if (isWithin (event.bar, -1.0e6, 1.0e6))
     {
-        const double inBars = *event.bar * meter.beatsPerBar * meter.beat();
-        return findOrigin (*event.bar, inBars) + inBars;
+        const double length = meter.beatsPerBar * meter.beat();
+        const double start = findOrigin (*event.bar) + *event.bar * length;
+
+        if (! isKnown || quarters < start - kTolerance || quarters > start + length + kTolerance)
+            return start;
+
+        return std::nullopt;  // within that bar already
     }
 
     if (! saysFrame || isContinuous)
@@ -147,7 +151,7 @@ double SongPosition::locateInBars (double bar, double barBeat, bool isNewMeter,
 {
     measure (bar, barBeat, isContinuous);
 
-    // Not far: else the host's tempo map was edited, and its bars are others now.
+    // Not far: else the host's tempo map was edited, or it counts frames on while its song jumps.
     if (isContinuous)
     {
         double inBars = withinBars (bar, barBeat, quarters - origin);
@@ -171,13 +175,11 @@ double SongPosition::locateInBars (double bar, double barBeat, bool isNewMeter,
 
         if (std::abs (origin + inBars - quarters) < 0.25)
             return toTick (origin + inBars);
-
-        framesAreOfSong = false;  // a host that counts on while its song jumps
     }
 
     const double byFrame = songFrame ? quartersIn (*songFrame) : 0.0;
     const double inBars = withinBars (bar, barBeat, byFrame);
-    origin = findOrigin (bar, inBars);
+    origin = findOrigin (bar);
     return toTick (origin + inBars);
 }
 
@@ -204,7 +206,7 @@ double SongPosition::withinBars (double bar, double barBeat, double expected) co
     return best;
 }
 
-double SongPosition::findOrigin (double bar, double inBars) const noexcept
+double SongPosition::findOrigin (double bar) const noexcept
 {
     for (int i = numRegions; --i >= 0;)
         if (const auto& region = regions[static_cast<std::size_t> (i)]; region.bar <= bar)
@@ -214,17 +216,6 @@ double SongPosition::findOrigin (double bar, double inBars) const noexcept
 
             break;
         }
-
-    // With one tempo all along, the frame knows better than the bars how many beats went before.
-    // Some hosts leave the frame at 0.
-    if (songFrame && *songFrame > 0.0 && framesAreOfSong && tempo > 0.0 && ! sawTempoChange)
-    {
-        const double ahead = quartersIn (*songFrame) - inBars;
-        const double step = std::min (meter.beat(), 1.0);
-
-        if (std::abs (std::remainder (ahead, step)) < kTolerance)
-            return std::round (ahead / step) * step;
-    }
 
     return 0.0;
 }
@@ -261,11 +252,7 @@ void SongPosition::measure (double bar, double barBeat, bool isContinuous) noexc
                             std::floor (barBeat) == std::floor (anchor->barBeat);
 
     if (! isSameBeat)
-    {
-        // The song's start is a place too, if the first beat is still on.
-        const bool isFirstBeat = bar == 0.0 && barBeat < std::min (beat, 1.0) && speed > 0.0;
-        anchor = isFirstBeat ? Anchor {} : Anchor { *songFrame, bar, barBeat };
-    }
+        anchor = Anchor { *songFrame, bar, barBeat };
 
     const double moved = barBeat - anchor->barBeat;
     const double samples = *songFrame - anchor->songFrame;

@@ -41,7 +41,8 @@ public:
     /** Takes over what an event says of the present sample. Values that can't be are ignored. */
     void take (const SongEvent& event) noexcept;
 
-    /** Whether the event says something else than the count gives: a jump, a start or a stop. */
+    /** Whether the event says something else than the count gives: a jump, a start, a stop or
+        another tempo. */
     bool isJump (const SongEvent& event) const noexcept;
 
     /** Quarter notes since the song's start; nothing before the first event. */
@@ -79,7 +80,7 @@ private:
     std::optional<double> locate (const SongEvent& event, bool isNewMeter) noexcept;
     double locateInBars (double bar, double barBeat, bool isNewMeter, bool isContinuous) noexcept;
     double withinBars (double bar, double barBeat, double expected) const noexcept;
-    double findOrigin (double bar, double inBars) const noexcept;
+    double findOrigin (double bar) const noexcept;
     void remember (const Region& region) noexcept;
     void measure (double bar, double barBeat, bool isContinuous) noexcept;
 
@@ -95,8 +96,6 @@ private:
     double origin = 0.0;
     bool fractionIsOfQuarter = false;  ///< how barBeat is read
     bool fractionIsOfBeat = false;     ///< whether that has been seen for certain in this meter
-    bool sawTempoChange = false;
-    bool framesAreOfSong = true;  ///< false once frames and bars have moved apart
     std::optional<Anchor> anchor;
     std::array<Region, 16> regions {};  ///< by bar
     int numRegions = 0;

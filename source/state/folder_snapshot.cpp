@@ -8,6 +8,7 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -15,6 +16,7 @@
 
 #if JUCE_LINUX
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #endif
 
 namespace fs = std::filesystem;
@@ -46,6 +48,37 @@ FolderSnapshot::Stamp FolderSnapshot::stampOf (const fs::path& folder)
     return {};
 }
 
+/** Whether a change in a folder always shows in its stamp: not on every network or FUSE file
+    system. */
+static bool hasReliableStamps (const fs::path& folder)
+{
+#if JUCE_LINUX
+    struct statfs system
+    {
+    };
+
+    if (statfs (folder.c_str(), &system) != 0)
+        return false;
+
+    switch (static_cast<std::uint32_t> (system.f_type))  // statfs(2) has these numbers
+    {
+    case 0x0000ef53:  // ext2 to ext4
+    case 0x58465342:  // XFS
+    case 0x9123683e:  // Btrfs
+    case 0xf2f52010:  // F2FS
+    case 0x2fc12fc1:  // ZFS
+    case 0x01021994:  // tmpfs
+    case 0x794c7630:  // overlayfs
+        return true;
+    default:
+        return false;
+    }
+#else
+    juce::ignoreUnused (folder);
+    return false;
+#endif
+}
+
 static std::int64_t nanosecondsNow()
 {
     using namespace std::chrono;
@@ -72,8 +105,9 @@ public:
         for (auto c = name.getCharPointer(); ! c.isEmpty();)
         {
             const auto character = c.getAndAdvance();
-            append (text, character < kAscii ? ascii[static_cast<std::size_t> (character)]
-                                             : juce::CharacterFunctions::toUpperCase (character));
+            const auto index = static_cast<std::uint32_t> (character);
+            append (text, index < ascii.size() ? ascii[index]
+                                               : juce::CharacterFunctions::toUpperCase (character));
         }
 
         return text;
@@ -164,8 +198,9 @@ bool FolderSnapshot::refresh (Trail& trail)
     if (! isSettled || now != stamp)
     {
         stamp = now;
-        isSettled =
-            now.inode != 0 && nanosecondsNow() - std::max (now.modified, now.changed) > kClockStep;
+        isSettled = now.inode != 0 &&
+                    nanosecondsNow() - std::max (now.modified, now.changed) > kClockStep &&
+                    hasReliableStamps (path);
         isNew = read (trail);
     }
 

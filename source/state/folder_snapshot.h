@@ -36,7 +36,8 @@ public:
     /** Folders, hidden ones included, and visible preset files; in the order of comesBefore. */
     const std::vector<Entry>& getEntries() const { return entries; }
 
-    /** Number of preset files here and below, by the rules of countFilesBelow. */
+    /** Number of preset files here and below, hidden ones included; the extension's case is
+        ignored, and links that lead back up are left out. */
     int countPresets() const;
 
 private:

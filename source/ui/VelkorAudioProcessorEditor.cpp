@@ -61,8 +61,7 @@ static juce::Rectangle<int> truncated (float x, float y, float width, float heig
 
 VelkorAudioProcessorEditor::VelkorAudioProcessorEditor (
     VelkorAudioProcessor& processorToUse, juce::AudioProcessorValueTreeState& stateToUse)
-    : juce::AudioProcessorEditor (processorToUse), velkor (processorToUse), state (stateToUse),
-      shownWidth (legalWidth (velkor.uiWidth))
+    : juce::AudioProcessorEditor (processorToUse), velkor (processorToUse), state (stateToUse)
 {
     cornerResizer = std::make_unique<juce::ResizableCornerComponent> (this, &constrainer);
     cornerResizer->setAlpha (0.0f);
@@ -103,7 +102,7 @@ VelkorAudioProcessorEditor::VelkorAudioProcessorEditor (
     // The limits don't apply before a host shows the editor. But what no window can be is not laid
     // out.
     const int stored = velkor.uiWidth;
-    const int width = stored > kMaxWindowWidth ? shownWidth : stored;
+    const int width = stored > kMaxWindowWidth ? legalWidth (stored) : stored;
     setBounds (getX(), getY(), width, heightFor (width));
     startTimer (33);
 }
@@ -201,8 +200,10 @@ bool VelkorAudioProcessorEditor::hasLegalWidth() const
 // Hosts ask for the size once they have given the editor a parent or a window.
 void VelkorAudioProcessorEditor::parentHierarchyChanged()
 {
+    const int width = legalWidth (getWidth());
+
     if (! hasLegalWidth() && (getParentComponent() != nullptr || isOnDesktop()))
-        setSize (shownWidth, heightFor (shownWidth));
+        setSize (width, heightFor (width));
 }
 
 // --- events --------------------------------------------------------------------------------------------

@@ -68,7 +68,6 @@ private:
         9.0f;  ///< a hundredth of the window's width, pixels; set when the window is resized
     std::unique_ptr<juce::ResizableCornerComponent> cornerResizer;
     juce::ComponentBoundsConstrainer constrainer;
-    const int shownWidth;  ///< legal: what a window of another width becomes when a host shows it
     std::unique_ptr<zb_PresetManager> presetManager;
     std::unique_ptr<AboutView> aboutView;  ///< null until ABOUT is clicked; then the last one shown
     std::unique_ptr<juce::TextButton> aboutButton, favoriteButton, bypassButton, undoButton,

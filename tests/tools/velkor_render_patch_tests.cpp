@@ -114,7 +114,7 @@ TEST_F (RenderPatch, ASavedPatchComesBackToTheSample)
     EXPECT_NE (soundOf ({ "--set", "Delay 1 Time=377.77 ms", "--preset", "11" }), plain);
     EXPECT_NE (soundOf ({ "--disconnect", "Input L > Delay 1", "--preset", "11" }), plain);
     EXPECT_EQ (
-        savedSettings ({ "--unroute", "LFO 2 > Delay 1", "--preset", "11" })["routes"].size(), 3);
+        savedSettings ({ "--unroute", "LFO 2 > Delay 2", "--preset", "11" })["routes"].size(), 1);
 
     for (const auto& patch : patches)
     {

@@ -101,20 +101,24 @@ TEST (SongPosition, WhatCantBeIsIgnoredAndWhatIsMissingStays)
     EXPECT_EQ (*song.getQuarters(), 9.0);
 }
 
-// A host that leaves the frame at 0, and one that counts samples on while its song jumps.
-TEST (SongPosition, BarsAreTrustedWhereTheFrameIsNotTheSongs)
+// A host that leaves the frame where it is, one that counts samples on while its song jumps, and
+// one that is behind a tempo change already, so that its frame and tempo give whole beats less.
+TEST (SongPosition, BarsAreTrustedWhereTheFrameSaysSomethingElse)
 {
-    for (const double step : { 0.0, 48000.0 })
-    {
-        auto song = at48000();
-        song.take (makeEvent (0, 0, 0, 4, 4, 120));
-        song.advance (48000);
-        song.take (makeEvent (step, 8, 0, 4, 4, 120));
-        EXPECT_EQ (*song.getQuarters(), 32.0) << step;
-        song.advance (48000);
-        song.take (makeEvent (2 * step, 2, 1, 4, 4, 120));
-        EXPECT_EQ (*song.getQuarters(), 9.0) << step;
-    }
+    for (const double start : { 0.0, 24000.0, 336000.0 })
+        for (const double step : { 0.0, 48000.0 })
+        {
+            auto song = at48000();
+            song.take (makeEvent (start, 4, 0, 4, 4, 120));
+            EXPECT_EQ (*song.getQuarters(), 16.0) << start << ", " << step;
+            song.advance (48000);
+            song.take (makeEvent (start + step, 8, 0, 4, 4, 120));
+            EXPECT_EQ (*song.getQuarters(), 32.0) << start << ", " << step;
+            song.advance (48000);
+            song.take (makeEvent (start + 2 * step, 2, 1, 4, 4, 120));
+            EXPECT_EQ (*song.getQuarters(), 9.0) << start << ", " << step;
+            EXPECT_EQ (*song.getTempo(), 120.0) << start << ", " << step;
+        }
 }
 
 TEST (SongPosition, FrameAndTempoAreTheLastResort)
