@@ -104,10 +104,10 @@ public:
 
         for (auto c = name.getCharPointer(); ! c.isEmpty();)
         {
-            const auto character = c.getAndAdvance();
-            const auto index = static_cast<std::uint32_t> (character);
-            append (text, index < ascii.size() ? ascii[index]
-                                               : juce::CharacterFunctions::toUpperCase (character));
+            const juce::juce_wchar character = *c;
+            ++c;
+            append (text, character < kAscii ? ascii[static_cast<unsigned char> (character)]
+                                             : juce::CharacterFunctions::toUpperCase (character));
         }
 
         return text;
