@@ -13,7 +13,7 @@ FolderLock::FolderLock (const juce::File&) {}
 
 FolderLock::~FolderLock() = default;
 #else
-static constexpr int kMaxWaitMs = 500;
+static constexpr int kMaxWaitMs = 2000;
 
 FolderLock::FolderLock (const juce::File& folder)
     : handle (open (folder.getFullPathName().toRawUTF8(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))

@@ -5,7 +5,7 @@
 
 /** Keeps other instances, in this process and in others, from changing a file in a folder between our reading and our
     writing it: all who do so take this lock. It locks the folder itself, so that no file is left lying about.
-    Waits half a second at most, so that a process that hangs doesn't take us along, and does nothing where
+    Waits two seconds at most, so that a process that hangs doesn't take us along, and does nothing where
     the system or the disk has no such locks. Not re-entrant. Any thread. */
 class FolderLock
 {
