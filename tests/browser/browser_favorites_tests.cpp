@@ -105,7 +105,7 @@ TEST_F (BrowserFavorites, OfSeveralInstancesAndProcessesAreAllKept)
     toggle ("a/one.zbpreset");  // which the other has starred
     EXPECT_EQ (browser().favorites, juce::StringArray ({ "two.zbpreset" }));
 
-    constexpr int kStars = 40;
+    constexpr int kStars = 200;
     const auto child = fork();
     ASSERT_GE (child, 0);
 
